@@ -1,0 +1,10 @@
+#include "CliCommand.h"
+
+namespace velmo::cli {
+
+int runParse(const QStringList&)
+{
+    return usageError(QStringLiteral("parse is not available yet"));
+}
+
+}

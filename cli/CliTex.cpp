@@ -1,0 +1,10 @@
+#include "CliCommand.h"
+
+namespace velmo::cli {
+
+int runTex(const QStringList&)
+{
+    return usageError(QStringLiteral("tex is not available yet"));
+}
+
+}
