@@ -1,0 +1,65 @@
+#pragma once
+
+#include "MarkdownEngine/Core/MarkdownSourceRange.h"
+
+#include <QString>
+#include <QVarLengthArray>
+#include <variant>
+#include <vector>
+
+namespace velmo::markdown {
+
+enum class MarkdownEmphasis : unsigned char { italic, bold, boldItalic };
+
+// The kinds of inline, in the order of the tagged union. Payload strings are owned copies:
+// only links, images, wiki links, code, math, footnotes and HTML carry one, and they are few.
+namespace inline_kind {
+struct Escape { char16_t character = 0; };
+struct Code { QString language; bool hasLanguage = false; };
+struct Emphasis { MarkdownEmphasis emphasis = MarkdownEmphasis::italic; };
+struct Link { QString destination, title; bool hasDestination = false, hasTitle = false; };
+struct WikiLink { QString target, display; };
+struct Image { QString source, alt; bool isEmbed = false; };
+struct Latex { QString source; bool isBlock = false; };
+struct FootnoteReference { QString label; };
+struct Html { QString source; };
+struct ExtensionSpan { QString name; };
+struct Text {};
+struct Strikethrough {};
+struct Highlight {};
+struct SoftBreak {};
+struct HardBreak {};
+}
+
+using MarkdownInlineKind = std::variant<inline_kind::Escape, inline_kind::Code, inline_kind::Emphasis,
+                                        inline_kind::Link, inline_kind::WikiLink, inline_kind::Image,
+                                        inline_kind::Latex, inline_kind::FootnoteReference, inline_kind::Html,
+                                        inline_kind::ExtensionSpan, inline_kind::Text, inline_kind::Strikethrough,
+                                        inline_kind::Highlight, inline_kind::SoftBreak, inline_kind::HardBreak>;
+
+// Marker lists are short (an image has at most four): kept inline, no heap per node.
+using MarkdownMarkerRanges = QVarLengthArray<MarkdownSourceRange, 4>;
+
+struct MarkdownInline {
+    MarkdownInlineKind kind;
+    MarkdownSourceRange range;
+    MarkdownSourceRange contentRange; // equals `range` when the constructor is given none
+    MarkdownMarkerRanges markerRanges;
+    std::vector<MarkdownInline> children;
+
+    template<typename Kind>
+    bool is() const { return std::holds_alternative<Kind>(kind); }
+    template<typename Kind>
+    const Kind* as() const { return std::get_if<Kind>(&kind); }
+
+    // The node, then its children depth first.
+    template<typename Visit>
+    void forEach(Visit&& visit) const
+    {
+        visit(*this);
+        for (const MarkdownInline& child : children)
+            child.forEach(visit);
+    }
+};
+
+}
