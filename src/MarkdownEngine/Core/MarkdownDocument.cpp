@@ -1,0 +1,119 @@
+#include "MarkdownEngine/Core/MarkdownDocument.h"
+
+#include "MarkdownEngine/Core/TextCharacters.h"
+#include "MarkdownEngine/Parser/BlockTokenizer.h"
+
+#include <algorithm>
+
+namespace velmo::markdown {
+
+MarkdownDocument MarkdownDocument::parse(const QString& text, const MarkdownParseOptions& options)
+{
+    return BlockTokenizer::document(text, options);
+}
+
+std::vector<const MarkdownInline*> MarkdownDocument::inlines() const
+{
+    std::vector<const MarkdownInline*> all;
+    forEachBlock([&all](const MarkdownBlock& block) {
+        for (const MarkdownInline& node : block.inlines)
+            node.forEach([&all](const MarkdownInline& each) { all.push_back(&each); });
+    });
+    // Depth-first order is already by location for a partition; the sort is a safety net.
+    const auto byLocation = [](const MarkdownInline* a, const MarkdownInline* b) {
+        return a->range.location < b->range.location;
+    };
+    if (!std::is_sorted(all.begin(), all.end(), byLocation))
+        std::stable_sort(all.begin(), all.end(), byLocation);
+    return all;
+}
+
+const MarkdownBlock* MarkdownDocument::block(int at) const
+{
+    const MarkdownBlock* found = nullptr;
+    forEachBlock([&](const MarkdownBlock& block) {
+        if (found)
+            return;
+        const int length = std::max(block.range.length, 1);
+        if (block.range.location <= at && at < block.range.location + length)
+            found = &block;
+    });
+    return found;
+}
+
+const MarkdownInline* MarkdownDocument::token(int at) const
+{
+    const MarkdownInline* best = nullptr;
+    for (const MarkdownInline* node : inlines()) {
+        if (node->range.contains(at) && (!best || node->range.length < best->range.length))
+            best = node;
+    }
+    return best;
+}
+
+std::vector<MarkdownOutlineItem> MarkdownDocument::outline() const
+{
+    std::vector<MarkdownOutlineItem> items;
+    forEachBlock([&](const MarkdownBlock& block) {
+        const std::optional<int> level = block.headingLevel();
+        if (!level)
+            return;
+        const MarkdownSourceRange content = block.contentRange.intersection({0, int(text.size())});
+        const QString source = chars::trimmed(QStringView(text).mid(content.location, content.length)).toString();
+        QString title = chars::trimmed(plainText(source)).toString();
+        if (title.isEmpty())
+            title = QStringLiteral("Untitled");
+        items.push_back({block.id, *level, title});
+    });
+    return items;
+}
+
+MarkdownTextStatistics MarkdownDocument::statistics(MarkdownSourceRange range, bool isSelection) const
+{
+    return MarkdownTextStatistics::measure(text, range, isSelection);
+}
+
+std::vector<MarkdownDocument::WikiLinkReference> MarkdownDocument::wikiLinks() const
+{
+    std::vector<WikiLinkReference> links;
+    for (const MarkdownInline* node : inlines()) {
+        if (const auto* link = node->as<inline_kind::WikiLink>())
+            links.push_back({link->target, link->display, node->range});
+    }
+    return links;
+}
+
+QStringList MarkdownDocument::footnoteReferences() const
+{
+    QStringList labels;
+    for (const MarkdownInline* node : inlines()) {
+        if (const auto* reference = node->as<inline_kind::FootnoteReference>())
+            labels.append(reference->label);
+    }
+    return labels;
+}
+
+QString MarkdownDocument::plainText(const QString& text)
+{
+    const MarkdownDocument document = parse(text);
+    QString result;
+    bool appended = false;
+    int runningEnd = 0;
+    for (const MarkdownInline* node : document.inlines()) {
+        const bool takesText = node->is<inline_kind::Code>() || node->is<inline_kind::Emphasis>()
+            || node->is<inline_kind::Link>() || node->is<inline_kind::WikiLink>() || node->is<inline_kind::Text>()
+            || node->is<inline_kind::Strikethrough>() || node->is<inline_kind::Highlight>();
+        if (!takesText || node->range.location < runningEnd)
+            continue;
+        const MarkdownSourceRange content = node->contentRange.intersection({0, int(text.size())});
+        result += QStringView(text).mid(content.location, content.length);
+        appended = true;
+        runningEnd = node->range.upperBound();
+    }
+    if (!appended)
+        result = text;
+    result.replace(u'\n', u' ');
+    return result;
+}
+
+}

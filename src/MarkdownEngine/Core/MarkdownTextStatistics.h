@@ -1,0 +1,29 @@
+#pragma once
+
+#include "MarkdownEngine/Core/MarkdownSourceRange.h"
+
+#include <QStringView>
+
+namespace velmo::markdown {
+
+// Word and character counts for the status bar. Wide (CJK) characters count one each instead of
+// forming words.
+struct MarkdownTextStatistics {
+    int words = 0;
+    int characters = 0; // Unicode scalars, whitespace included
+    int cjkCharacters = 0;
+    bool isSelection = false;
+
+    [[nodiscard]] static MarkdownTextStatistics empty() { return {}; }
+    [[nodiscard]] static MarkdownTextStatistics measure(QStringView text, MarkdownSourceRange range,
+                                                        bool isSelection = false);
+    [[nodiscard]] static bool isWide(char32_t c);
+
+    [[nodiscard]] int totalWords() const { return words + cjkCharacters; }
+    // 200 words or 400 wide characters a minute, rounded up; 0 only for no text at all.
+    [[nodiscard]] int readingMinutes() const;
+
+    bool operator==(const MarkdownTextStatistics&) const = default;
+};
+
+}
