@@ -4,6 +4,7 @@
 
 #include <QString>
 #include <QVarLengthArray>
+#include <optional>
 #include <variant>
 #include <vector>
 
@@ -52,13 +53,52 @@ struct MarkdownInline {
     template<typename Kind>
     const Kind* as() const { return std::get_if<Kind>(&kind); }
 
-    // The node, then its children depth first.
+    MarkdownInline() = default;
+    MarkdownInline(MarkdownInlineKind kind, MarkdownSourceRange range,
+                   std::optional<MarkdownSourceRange> contentRange = std::nullopt,
+                   MarkdownMarkerRanges markerRanges = {}, std::vector<MarkdownInline> children = {})
+        : kind(std::move(kind)), range(range), contentRange(contentRange.value_or(range)),
+          markerRanges(std::move(markerRanges)), children(std::move(children))
+    {
+    }
+    MarkdownInline(const MarkdownInline&) = default;
+    MarkdownInline(MarkdownInline&&) noexcept = default;
+    MarkdownInline& operator=(const MarkdownInline&) = default;
+    MarkdownInline& operator=(MarkdownInline&&) noexcept = default;
+    // Emphasis can nest tens of thousands deep: tear the subtree down with a heap worklist,
+    // not with one stack frame per level.
+    ~MarkdownInline()
+    {
+        if (!children.empty())
+            dismantle(children);
+    }
+
+    // The node, then its children depth first. Iterative for the same reason.
     template<typename Visit>
     void forEach(Visit&& visit) const
     {
-        visit(*this);
-        for (const MarkdownInline& child : children)
-            child.forEach(visit);
+        QVarLengthArray<const MarkdownInline*, 32> stack;
+        stack.append(this);
+        while (!stack.isEmpty()) {
+            const MarkdownInline* node = stack.last();
+            stack.removeLast();
+            visit(*node);
+            for (auto child = node->children.rbegin(); child != node->children.rend(); ++child)
+                stack.append(&*child);
+        }
+    }
+
+private:
+    static void dismantle(std::vector<MarkdownInline>& nodes) noexcept
+    {
+        std::vector<MarkdownInline> pending = std::move(nodes);
+        while (!pending.empty()) {
+            MarkdownInline last = std::move(pending.back());
+            pending.pop_back();
+            for (MarkdownInline& child : last.children)
+                pending.push_back(std::move(child));
+            last.children.clear(); // moved-from shells: nothing below them
+        }
     }
 };
 
