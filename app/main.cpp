@@ -1,11 +1,20 @@
+#include "MainWindow.h"
+#include "Velmo/AppState.h"
+
 #include <QApplication>
-#include <QMainWindow>
 
 int main(int argc, char** argv)
 {
-    QApplication app(argc, argv);
-    QMainWindow window;
-    window.resize(1100, 720);
+    QApplication application(argc, argv);
+    QApplication::setApplicationName("Velmo");
+    QApplication::setOrganizationName("Velmo");
+
+    velmo::app::AppState state;
+    for (const QString& argument : application.arguments().mid(1)) {
+        if (!argument.startsWith(u'-'))
+            state.openAny(QUrl::fromLocalFile(argument));
+    }
+    velmo::ui::MainWindow window(state);
     window.show();
-    return app.exec();
+    return application.exec();
 }

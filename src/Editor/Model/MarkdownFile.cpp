@@ -73,7 +73,8 @@ QString MarkdownFile::read(bool downloadIfNeeded) const
 
 static std::optional<QString> decodeStrictly(QStringConverter::Encoding encoding, const QByteArray& data)
 {
-    QStringDecoder decoder(encoding);
+    // Stateless: a sequence cut off at the end is an error, not something to wait for.
+    QStringDecoder decoder(encoding, QStringConverter::Flag::Stateless);
     QString text = decoder.decode(data);
     if (decoder.hasError())
         return std::nullopt;

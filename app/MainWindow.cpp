@@ -1,0 +1,151 @@
+#include "MainWindow.h"
+
+#include "PlainNoteEditor.h"
+#include "Velmo/AppState.h"
+
+#include <QCloseEvent>
+#include <QFileDialog>
+#include <QLabel>
+#include <QListWidget>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QSplitter>
+#include <QStatusBar>
+
+namespace velmo::ui {
+
+MainWindow::MainWindow(app::AppState& state, QWidget* parent)
+    : QMainWindow(parent)
+    , m_state(state)
+{
+    resize(1100, 720);
+    auto* splitter = new QSplitter(this);
+    m_notes = new QListWidget(splitter);
+    m_editor = new PlainNoteEditor(splitter);
+    splitter->addWidget(m_notes);
+    splitter->addWidget(m_editor);
+    splitter->setStretchFactor(1, 1);
+    splitter->setSizes({260, 840});
+    setCentralWidget(splitter);
+    m_statistics = new QLabel(this);
+    statusBar()->addPermanentWidget(m_statistics);
+    m_state.editor().textView = m_editor;
+
+    buildMenus();
+
+    connect(m_notes, &QListWidget::itemActivated, this, [this](QListWidgetItem* item) {
+        m_state.open(item->data(Qt::UserRole).toUrl(), true);
+    });
+    connect(m_notes, &QListWidget::itemClicked, this, [this](QListWidgetItem* item) {
+        m_state.open(item->data(Qt::UserRole).toUrl(), true);
+    });
+    connect(m_editor, &QPlainTextEdit::textChanged, this, [this] {
+        if (m_loadingEditor || m_editor->isComposing())
+            return;
+        if (app::OpenDocument* document = m_state.activeDocument()) {
+            document->setCaret(m_editor->selectionStart());
+            document->setText(m_editor->toPlainText());
+        }
+    });
+    connect(m_editor, &QPlainTextEdit::cursorPositionChanged, this, [this] {
+        if (m_loadingEditor || m_editor->isComposing())
+            return;
+        if (app::OpenDocument* document = m_state.activeDocument())
+            document->setCaret(m_editor->selectionStart());
+    });
+    connect(&m_state.workspace(), &editor::Workspace::changed, this, &MainWindow::refreshNotes);
+    connect(&m_state, &app::AppState::activeDocumentChanged, this, &MainWindow::showActiveDocument);
+    connect(&m_state, &app::AppState::changed, this, &MainWindow::refreshStatus);
+    connect(&m_state, &app::AppState::alertChanged, this, &MainWindow::showAlert);
+
+    refreshNotes();
+    showActiveDocument();
+    refreshStatus();
+}
+
+void MainWindow::buildMenus()
+{
+    QMenu* file = menuBar()->addMenu(tr("&File"));
+    file->addAction(tr("Open Folder…"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O), this, &MainWindow::chooseFolder);
+    file->addAction(tr("Save"), QKeySequence::Save, this, [this] {
+        if (app::OpenDocument* document = m_state.activeDocument())
+            m_state.save(document, true);
+    });
+    file->addAction(tr("Close"), QKeySequence::Close, this, [this] { m_state.goHome(); });
+    file->addSeparator();
+    file->addAction(tr("Quit"), QKeySequence::Quit, this, &QWidget::close);
+
+    QMenu* edit = menuBar()->addMenu(tr("&Edit"));
+    edit->addAction(tr("Undo"), QKeySequence::Undo, m_editor, &QPlainTextEdit::undo);
+    edit->addAction(tr("Redo"), QKeySequence::Redo, m_editor, &QPlainTextEdit::redo);
+    edit->addSeparator();
+    edit->addAction(tr("Cut"), QKeySequence::Cut, m_editor, &QPlainTextEdit::cut);
+    edit->addAction(tr("Copy"), QKeySequence::Copy, m_editor, &QPlainTextEdit::copy);
+    edit->addAction(tr("Paste"), QKeySequence::Paste, m_editor, &QPlainTextEdit::paste);
+    edit->addAction(tr("Select All"), QKeySequence::SelectAll, m_editor, &QPlainTextEdit::selectAll);
+}
+
+void MainWindow::chooseFolder()
+{
+    const QString folder = QFileDialog::getExistingDirectory(this, tr("Choose a folder of notes for Velmo."));
+    if (!folder.isEmpty())
+        m_state.openWorkspace(QUrl::fromLocalFile(folder));
+}
+
+void MainWindow::refreshNotes()
+{
+    const editor::Workspace& workspace = m_state.workspace();
+    m_notes->clear();
+    for (const editor::MarkdownFile& note : workspace.notes()) {
+        auto* item = new QListWidgetItem(workspace.relativePath(note.url()), m_notes);
+        item->setData(Qt::UserRole, note.url());
+        if (workspace.selection() == note.url())
+            m_notes->setCurrentItem(item);
+    }
+}
+
+void MainWindow::showActiveDocument()
+{
+    m_loadingEditor = true;
+    if (app::OpenDocument* document = m_state.activeDocument()) {
+        m_editor->setEnabled(true);
+        m_editor->setDocument(document->id(), document->text(), document->caret());
+        m_editor->setFocus();
+    } else {
+        m_editor->setDocument({}, {}, 0);
+        m_editor->setEnabled(false);
+    }
+    m_loadingEditor = false;
+}
+
+void MainWindow::refreshStatus()
+{
+    setWindowTitle(m_state.windowTitle());
+    statusBar()->showMessage(m_state.statusMessage().value_or(QString()));
+    if (const app::OpenDocument* document = m_state.activeDocument())
+        m_statistics->setText(tr("Line %1").arg(document->caretState().line()));
+    else
+        m_statistics->clear();
+}
+
+void MainWindow::showAlert()
+{
+    const auto& alert = m_state.alert();
+    if (!alert)
+        return;
+    const app::AppAlert shown = *alert;
+    QMessageBox::warning(this, shown.title, shown.message.value_or(QString()));
+    if (m_state.alert() && m_state.alert()->id == shown.id)
+        m_state.dismissAlert();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    // A failed save keeps the window open, with its alert on screen.
+    if (m_state.prepareToTerminate())
+        event->accept();
+    else
+        event->ignore();
+}
+
+}

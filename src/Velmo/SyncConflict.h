@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QString>
+#include <QUrl>
+#include <QUuid>
+
+namespace velmo::app {
+
+// A note changed on disk underneath an edit: the user chooses what to keep.
+struct SyncConflict {
+    enum class Kind { editedBothPlaces, iCloudVersions };
+
+    QUuid id = QUuid::createUuid();
+    Kind kind = Kind::editedBothPlaces;
+    QUrl url;
+    QString title;
+    QString otherText;
+};
+
+enum class SyncResolution { keepMine, useOther, keepBoth, later };
+
+}
