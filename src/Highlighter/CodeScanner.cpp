@@ -373,9 +373,13 @@ void CodeScanner::scanNumber(bool dollarJoins)
 
 bool CodeScanner::isAttributeStart() const
 {
+    const char16_t unit = units[index].unicode();
     const char16_t previous = at(index - 1);
-    // Inside a word or after the same unit ("Foo::Bar", "$$") it is an operator.
-    if (index > 0 && (previous == units[index] || (classOf(previous) & identifierPart)))
+    // After the same unit ("Foo::Bar", "$$") or inside a word ("a:b", "x@y") it is not an
+    // attribute; class and id marks chain onto a word ("%div.note#main" in Haml).
+    if (index > 0 && previous == unit)
+        return false;
+    if ((classOf(previous) & identifierPart) && unit != u'.' && unit != u'#')
         return false;
     const char16_t next = at(index + 1);
     return next == u'_' || isAsciiLetter(next) || (next >= 128 && identifierWidth(index + 1, true) > 0);
