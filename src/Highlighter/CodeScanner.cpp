@@ -53,6 +53,27 @@ constexpr QLatin1StringView diffHeaders[] = {
 
 }
 
+// The classes every language shares; the language's own marks are added per scan.
+constexpr std::array<std::uint8_t, 128> CodeScanner::baseClasses()
+{
+    std::array<std::uint8_t, 128> table{};
+    for (char16_t unit = 0; unit < 128; ++unit) {
+        std::uint8_t flags = 0;
+        if (isAsciiLetter(unit) || unit == u'_')
+            flags |= identifierStart | identifierPart;
+        if (isAsciiDigit(unit))
+            flags |= digit | identifierPart;
+        for (char16_t sign : u"+-*/%=<>!&|^~?") {
+            if (sign != 0 && sign == unit)
+                flags |= operatorUnit;
+        }
+        if (unit == u'.')
+            flags |= point;
+        table[unit] = flags;
+    }
+    return table;
+}
+
 CodeScanner::CodeScanner(QStringView code, const SyntaxLanguage& language)
     : units(code)
     , end(code.size())
@@ -61,18 +82,7 @@ CodeScanner::CodeScanner(QStringView code, const SyntaxLanguage& language)
     , builtins(language.caseSensitive ? language.builtins : language.builtins.lowercased())
 {
     longestWord = std::max(keywords.maxLength(), builtins.maxLength());
-    for (char16_t unit = 0; unit < 128; ++unit) {
-        std::uint8_t flags = 0;
-        if (isAsciiLetter(unit) || unit == u'_')
-            flags |= identifierStart | identifierPart;
-        if (isAsciiDigit(unit))
-            flags |= digit | identifierPart;
-        if (QStringView(u"+-*/%=<>!&|^~?").contains(QChar(unit)) && unit != 0)
-            flags |= operatorUnit;
-        if (unit == u'.')
-            flags |= point;
-        classes[unit] = flags;
-    }
+    classes = baseClasses();
     for (char16_t unit : language.quotes) {
         if (unit < 128)
             classes[unit] |= quote;

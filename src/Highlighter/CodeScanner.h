@@ -44,6 +44,7 @@ private:
         point = 128,
     };
 
+    [[nodiscard]] static constexpr std::array<std::uint8_t, 128> baseClasses();
     [[nodiscard]] char16_t at(qsizetype position) const
     {
         return position < end && position >= 0 ? units[position].unicode() : u'\0';
