@@ -870,8 +870,12 @@ void CodeScanner::scanLatexCommand()
     add(start, index, SyntaxTokenKind::keyword);
     // The environment's name in \begin{…} and \end{…} reads as a type.
     if ((name == u"\\begin" || name == u"\\end") && at(index) == u'{') {
-        const qsizetype close = find(u"}", index + 1, lineEnd(index));
-        if (close > index + 1) {
+        // Only name characters are read ahead, so "\begin{\begin{…" stays linear.
+        qsizetype close = index + 1;
+        while (isAsciiLetter(at(close)) || isAsciiDigit(at(close)) || at(close) == u'*'
+               || at(close) == u'-' || at(close) == u' ')
+            ++close;
+        if (close > index + 1 && at(close) == u'}') {
             add(index + 1, close, SyntaxTokenKind::type);
             index = close + 1;
         }

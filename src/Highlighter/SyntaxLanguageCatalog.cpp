@@ -648,7 +648,7 @@ SyntaxLanguage languageFrom(const Entry& entry)
 struct Catalog {
     std::vector<SyntaxLanguage> languages;
     QHash<QString, QString> aliases;
-    QHash<QString, qsizetype> byID;
+    QHash<QString, const SyntaxLanguage*> byID;
     QStringList identifiers;
 
     Catalog()
@@ -660,11 +660,13 @@ struct Catalog {
                 language.keywords = language.keywords.lowercased();
                 language.builtins = language.builtins.lowercased();
             }
-            byID.insert(language.id.toLower(), qsizetype(languages.size()));
             for (QStringView alias : QString::fromUtf8(entry.aliases).split(u' ', Qt::SkipEmptyParts))
                 aliases.insert(alias.toString(), language.id);
             languages.push_back(std::move(language));
         }
+        // The table never changes after this, so pointers into it stay valid.
+        for (const SyntaxLanguage& language : languages)
+            byID.insert(language.id.toLower(), &language);
         QSet<QString> names;
         for (const SyntaxLanguage& language : languages)
             names.insert(language.id);
@@ -756,13 +758,14 @@ const QHash<QString, QString>& SyntaxLanguageCatalog::aliases() { return catalog
 
 const QStringList& SyntaxLanguageCatalog::identifiers() { return catalog().identifiers; }
 
-const QHash<QString, qsizetype>& SyntaxLanguageCatalog::byID() { return catalog().byID; }
+const QHash<QString, const SyntaxLanguage*>& SyntaxLanguageCatalog::byID()
+{
+    return catalog().byID;
+}
 
 const SyntaxLanguage* SyntaxLanguageCatalog::named(QStringView name)
 {
-    const Catalog& built = catalog();
-    const auto found = built.byID.constFind(name.toString().toLower());
-    return found == built.byID.cend() ? nullptr : &built.languages[std::size_t(*found)];
+    return catalog().byID.value(name.toString().toLower(), nullptr);
 }
 
 const SyntaxLanguage& SyntaxLanguageCatalog::language(QStringView infoString)

@@ -86,8 +86,8 @@ public:
     [[nodiscard]] static const QHash<QString, QString>& aliases();
     // Every name a fence may use, ids and aliases, sorted: what completion offers.
     [[nodiscard]] static const QStringList& identifiers();
-    // Lower-cased id to index into `all()`.
-    [[nodiscard]] static const QHash<QString, qsizetype>& byID();
+    // Lower-cased id to its language in `all()`.
+    [[nodiscard]] static const QHash<QString, const SyntaxLanguage*>& byID();
 
     // The language with this id, any case; null when there is none.
     [[nodiscard]] static const SyntaxLanguage* named(QStringView name);
