@@ -7,8 +7,8 @@
 namespace velmo::highlighter {
 namespace {
 
-// Each pattern, repeated, once made some scanner read ahead again and again. A linear scan of
-// these takes milliseconds even under the sanitizers; a quadratic one takes many seconds.
+// Each pattern, repeated, could make a scanner read ahead again and again. A linear scan of
+// these takes a few milliseconds even under the sanitizers; a quadratic one takes seconds there.
 TEST(CodeScanner, HostileInputStaysLinear)
 {
     const char16_t* patterns[] = {
@@ -17,9 +17,7 @@ TEST(CodeScanner, HostileInputStaysLinear)
         u"é",
     };
     const char16_t loneSurrogate[] = {0xd800, u'a', 0};
-    constexpr qsizetype length = 40'000;
-    QElapsedTimer timer;
-    timer.start();
+    constexpr qsizetype length = 16'000;
     std::vector<const char16_t*> all(std::begin(patterns), std::end(patterns));
     all.push_back(loneSurrogate);
     for (const char16_t* pattern : all) {
@@ -30,14 +28,13 @@ TEST(CodeScanner, HostileInputStaysLinear)
             QElapsedTimer one;
             one.start();
             const auto tokens = CodeScanner::scanned(text, language);
-            EXPECT_LT(one.elapsed(), 1000) << language.id.toStdString() << " on "
+            EXPECT_LT(one.elapsed(), 500) << language.id.toStdString() << " on "
                                            << QString::fromUtf16(pattern).toStdString();
             if (!tokens.empty()) {
                 EXPECT_LE(tokens.back().range.end(), text.size());
             }
         }
     }
-    EXPECT_LT(timer.elapsed(), 60'000);
 }
 
 }
