@@ -32,6 +32,9 @@ constexpr char16_t asciiLower(char16_t unit)
     return unit >= u'A' && unit <= u'Z' ? char16_t(unit + 32) : unit;
 }
 
+// The longest run of letters taken as a string's prefix: "rb", "u8".
+constexpr qsizetype maxStringPrefix = 2;
+
 // Words longer than this are never looked up: no list holds one, and the lower-casing buffer
 // stays on the stack.
 constexpr qsizetype longestListedWord = 64;
@@ -195,7 +198,7 @@ int CodeScanner::identifierWidth(qsizetype position, bool start) const
     return 0;
 }
 
-// MARK: code
+// The code dialect: most languages.
 
 void CodeScanner::scanCode()
 {
@@ -308,9 +311,10 @@ bool CodeScanner::scanString()
     return true;
 }
 
-void CodeScanner::scanStringBody(char16_t quoteUnit, bool keyValuePairs)
+void CodeScanner::scanStringBody(char16_t quoteUnit, bool keyValuePairs, qsizetype start)
 {
-    const qsizetype start = index;
+    if (start < 0)
+        start = index;
     const bool triple = at(index + 1) == quoteUnit && at(index + 2) == quoteUnit;
     const bool spansLines = triple || quoteUnit == u'`';
     index += triple ? 3 : 1;
@@ -442,11 +446,21 @@ void CodeScanner::scanWord()
             return;
         }
     }
+    const char16_t next = at(index);
+    // A short prefix right before a quote belongs to the string: f"…", b'…', L"…", N'…'.
+    if (word.size() <= maxStringPrefix && (classOf(next) & quote) && !(classes[next] & attributePrefix)) {
+        bool plainAscii = true;
+        for (QChar unit : word)
+            plainAscii = plainAscii && unit.unicode() < 128;
+        if (plainAscii) {
+            scanStringBody(next, language.keyValuePairs, start);
+            return;
+        }
+    }
     if (isConstantLike(word)) {
         add(start, index, SyntaxTokenKind::constant);
         return;
     }
-    const char16_t next = at(index);
     if (next == u'(') {
         add(start, index, SyntaxTokenKind::function);
         return;
@@ -489,7 +503,7 @@ void CodeScanner::scanOperator()
     add(start, index, SyntaxTokenKind::operatorSign);
 }
 
-// MARK: diff
+// The diff dialect: one token per marked line.
 
 std::optional<SyntaxTokenKind> CodeScanner::classifyDiffLine(qsizetype start, qsizetype stop) const
 {
@@ -528,7 +542,7 @@ void CodeScanner::scanDiff()
     }
 }
 
-// MARK: html
+// The html dialect: tags, attributes, references; script and style bodies in their own languages.
 
 void CodeScanner::scanHtml()
 {
@@ -655,7 +669,7 @@ void CodeScanner::scanEmbedded(const SyntaxLanguage& embedded, qsizetype stop)
     index = stop;
 }
 
-// MARK: css
+// The css dialect: selectors, at-rules, declarations.
 
 void CodeScanner::scanCss()
 {
@@ -816,7 +830,7 @@ void CodeScanner::scanCss()
     }
 }
 
-// MARK: latex
+// The latex dialect: commands, comments, math marks.
 
 void CodeScanner::scanLatex()
 {

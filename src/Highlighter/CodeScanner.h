@@ -69,7 +69,9 @@ private:
     bool scanLineComment();
     [[nodiscard]] bool lineCommentAllowed(QStringView marker) const;
     bool scanString();
-    void scanStringBody(char16_t quote, bool keyValuePairs);
+    // The string opened by `quote` at `index`; its token starts at `start` when a prefix
+    // precedes the quote.
+    void scanStringBody(char16_t quote, bool keyValuePairs, qsizetype start = -1);
     void scanNumber(bool dollarJoins = true);
     [[nodiscard]] bool isAttributeStart() const;
     void scanAttribute();

@@ -26,7 +26,7 @@ TEST(CodeScanner, Strings)
 {
     check({
         {u"python", u"x = \"a", u"operatorSign:= string:\"a"},
-        {u"python", u"\"a\nb\"", u"string:\"a string:\""},
+        {u"python", u"\"a\nx = \"", u"string:\"a operatorSign:= string:\""},
         {u"python", u"\"\"\"a\"b\"\"\"", u"string:\"\"\"a\"b\"\"\""},
         {u"python", u"'''a\n'b'''", u"string:'''a\n'b'''"},
         {u"python", u"\"\"\"open\nstill", u"string:\"\"\"open\nstill"},
@@ -46,6 +46,10 @@ TEST(CodeScanner, Strings)
         // A quote that also marks lifetimes: 'a is an attribute, 'a' a character.
         {u"rust", u"&'a str, 'x', '\\n'", u"operatorSign:& attribute:'a type:str string:'x' string:'\\n'"},
         {u"haskell", u"foldl' f 'c'", u"string:'c'"},
+        // Prefixes join their string; longer words before a quote stay words.
+        {u"python", u"f\"{x}\" rb'\\d' print\"x\"", u"string:f\"{x}\" string:rb'\\d' string:\"x\""},
+        {u"cpp", u"L\"w\" u8\"s\"", u"string:L\"w\" string:u8\"s\""},
+        {u"sql", u"N'x' in'y'", u"string:N'x' keyword:in string:'y'"},
     });
 }
 
