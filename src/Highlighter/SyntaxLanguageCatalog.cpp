@@ -770,12 +770,16 @@ const SyntaxLanguage* SyntaxLanguageCatalog::named(QStringView name)
 
 const SyntaxLanguage& SyntaxLanguageCatalog::language(QStringView infoString)
 {
-    // The first word, cut also at "," and "{" so that "rust,ignore" and "python{.numberLines}"
-    // name their language.
+    // The first word, cut also at "," and braces so that "rust,ignore", "{.python}" and
+    // "{r setup}" name their language.
     QStringView word = infoString.trimmed();
+    if (word.startsWith(u'{'))
+        word = word.sliced(1);
+    if (word.startsWith(u'.'))
+        word = word.sliced(1);
     for (qsizetype i = 0; i < word.size(); ++i) {
         const QChar unit = word[i];
-        if (unit.isSpace() || unit == u',' || unit == u'{') {
+        if (unit.isSpace() || unit == u',' || unit == u'{' || unit == u'}') {
             word = word.first(i);
             break;
         }

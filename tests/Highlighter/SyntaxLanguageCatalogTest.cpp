@@ -23,7 +23,8 @@ TEST(SyntaxLanguageCatalog, FenceInfoStringsFindTheirLanguage)
         {u"erl", "erlang"},       {u"c", "c"},                 {u"r", "r"},
         {u"v", "v"},              {u"asm", "asm"},
         {u"python title=\"a.py\"", "python"}, {u"rust,ignore", "rust"},
-        {u"js{.line-numbers}", "javascript"},
+        {u"js{.line-numbers}", "javascript"}, {u"{.python}", "python"},
+        {u"{r setup, echo=FALSE}", "r"},      {u"{", "plain"},
         {u"", "plain"},           {u"klingon", "plain"},       {u"   ", "plain"},
     };
     for (const auto& item : cases) {
