@@ -435,7 +435,10 @@ void CodeScanner::scanWord()
         }
     }
     const QStringView word = units.sliced(start, index - start);
-    if (listable) {
+    // After a member dot a word names a member: "promise.catch(", "map.get(", "x.type".
+    // Rust's postfix ".await" is the one keyword that stands there.
+    const bool member = at(start - 1) == u'.' && at(start - 2) != u'.' && word != u"await";
+    if (listable && !member) {
         const QStringView key = folding ? QStringView(lowered.data(), word.size()) : word;
         if (keywords.contains(key, hash)) {
             add(start, index, SyntaxTokenKind::keyword);

@@ -108,6 +108,8 @@ TEST(CodeScanner, Words)
         {u"python", u"éte = naïve(1)", u"operatorSign:= function:naïve number:1"},
         {u"python", u"_ = __init__", u"operatorSign:="},
         {u"plain", u"if x == 1: \"a\" # b", u""},
+        {u"javascript", u"p.catch(e); m.get; a..in", u"function:catch keyword:in"},
+        {u"rust", u"f.await?.type", u"keyword:await operatorSign:?"},
     });
 }
 
