@@ -145,8 +145,9 @@ QString ShellWindowHost::resize(int width, int height, const QString& title, con
     }
     window->resize(width, height);
     const QScreen* screen = window->screen();
+    const QString name = screen ? screen->name() : QString();
     return "window \"" + window->windowTitle() + "\" content=" + QString::number(window->width()) + "x"
-        + QString::number(window->height()) + " screen=" + (screen ? screen->name() : QStringLiteral("none"));
+        + QString::number(window->height()) + " screen=" + (name.isEmpty() ? QStringLiteral("none") : name);
 }
 
 std::optional<QString> ShellWindowHost::focus()
@@ -282,8 +283,11 @@ std::optional<app::UIWindowHost::EditorGeometry> ShellWindowHost::editorGeometry
     geometry.attached = view->window() != view && view->isVisible();
     geometry.window = view->window()->windowTitle();
     geometry.frame = view->size();
-    const QSizeF documentSize = view->document()->documentLayout()->documentSize();
-    geometry.documentFrame = QRectF(QPointF(), QSizeF(view->viewport()->width(), documentSize.height()));
+    // A plain text layout measures its document in lines; the frame wants points.
+    double height = 0;
+    for (QTextBlock block = view->document()->begin(); block.isValid(); block = block.next())
+        height += view->document()->documentLayout()->blockBoundingRect(block).height();
+    geometry.documentFrame = QRectF(QPointF(), QSizeF(view->viewport()->width(), height));
     const double margin = view->document()->documentMargin();
     geometry.inset = QSizeF(margin, margin);
     geometry.containerWidth = view->viewport()->width();
@@ -301,8 +305,10 @@ std::vector<app::UIWindowHost::LayoutLine> ShellWindowHost::layoutLines() const
     const QTextDocument* document = view->document();
     QAbstractTextDocumentLayout* layout = document->documentLayout();
     double previousBottom = 0;
+    double blockTop = 0; // a plain text layout gives each block's size, not its place
     for (QTextBlock block = document->begin(); block.isValid(); block = block.next()) {
-        const QRectF bounds = layout->blockBoundingRect(block);
+        const QRectF bounds = layout->blockBoundingRect(block).translated(0, blockTop);
+        blockTop = bounds.bottom();
         const QTextLayout* textLayout = block.layout();
         const QFont font = block.charFormat().font();
         for (int i = 0; textLayout && i < textLayout->lineCount(); ++i) {
