@@ -1,5 +1,6 @@
 #include "Velmo/AppDelegate.h"
 #include "Velmo/AppState.h"
+#include "Velmo/TerminationSignals.h"
 #include "Velmo/UIDriver.h"
 #include "Velmo/UIDriverEnvironment.h"
 #include "Velmo/UIDriverScript.h"
@@ -10,6 +11,8 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
+
+#include <csignal>
 
 using namespace velmo::app;
 using velmo::test::readBytes;
@@ -221,4 +224,37 @@ TEST_F(QuitTest, closingTheFolderForgetsTheSession)
     EXPECT_FALSE(state.workspace().root());
     EXPECT_TRUE(state.documents().empty());
     EXPECT_EQ(state.session(), velmo::editor::WorkspaceSession::empty());
+}
+
+TEST(AppDelegate, linksWaitForTheirRouterAndFilesGoToTheWindow)
+{
+    AppState state(std::make_unique<velmo::editor::EditorSettings>(), false);
+    AppDelegate delegate;
+    QSignalSpy documents(&delegate, &AppDelegate::openDocumentRequested);
+    delegate.openURLs({QUrl("velmo://open?path=a"), QUrl::fromLocalFile("/x/Tool.app"), QUrl::fromLocalFile("/x/n.md"),
+                       QUrl("velmo://search?q=b")});
+    EXPECT_EQ(delegate.pendingLinks().size(), 2);
+    ASSERT_EQ(documents.count(), 1);
+    EXPECT_EQ(documents.first().first().toUrl(), QUrl::fromLocalFile("/x/n.md"));
+
+    QList<QUrl> routed;
+    delegate.setLinkRouter([&](const QUrl& url) { routed << url; });
+    delegate.attach(state);
+    EXPECT_EQ(routed, (QList<QUrl>{QUrl("velmo://open?path=a"), QUrl("velmo://search?q=b")}));
+    EXPECT_TRUE(delegate.pendingLinks().isEmpty());
+}
+
+TEST(TerminationSignals, aSignalArrivesInTheEventLoop)
+{
+    TerminationSignals signals_;
+    ASSERT_TRUE(signals_.isInstalled());
+    QSignalSpy received(&signals_, &TerminationSignals::received);
+    ::raise(SIGTERM);
+    ::raise(SIGINT);
+    ASSERT_TRUE(received.wait(2000) || received.count() > 0);
+    if (received.count() < 2)
+        received.wait(500);
+    ASSERT_EQ(received.count(), 2);
+    EXPECT_EQ(received.at(0).first().toInt(), SIGTERM);
+    EXPECT_EQ(received.at(1).first().toInt(), SIGINT);
 }

@@ -213,3 +213,31 @@ TEST_F(DriverRun, aSessionSelectsButDoesNotReopenAndAGoneFolderFallsBackToTheDef
     EXPECT_TRUE(out.contains("workspaceRoot=" + path("home/Documents/Velmo") + "\n")) << out.toStdString();
     EXPECT_TRUE(QFile::exists(path("home/Documents/Velmo/Welcome.md")));
 }
+
+TEST_F(DriverRun, windowCommandsWorkOnTheOffscreenWindow)
+{
+    const QString notes = path("notes");
+    QProcessEnvironment env = environment("openFolder:" + notes + "; activate:alpha; resize:500:900; shot:" + path("shot.png")
+                                          + "; select:9,5; mark:かな; commit:仮名; menu:File>Save; menu:File>Nothing; validate");
+    env.insert("VELMO_UI_SNAPSHOT_DIR", path("snaps"));
+    env.insert("VELMO_UI_LINES", "1");
+    env.insert("VELMO_UI_DUMP_ATTRS", "1");
+    const QString out = run(env);
+    for (const char* note : {"resize:500:900 — window \"Alpha\" content=760x900", "captured \"Alpha\" to ",
+                             "mark:かな — marked {9, 2} selection {9, 0}", "commit:仮名 — committed selection {11, 0}",
+                             "menu:File>Save — performed File>Save", "menu:File>Nothing — no item Nothing in File",
+                             "validate — validated menu"})
+        EXPECT_TRUE(out.contains(QString::fromUtf8(note))) << note;
+    EXPECT_TRUE(out.contains("\n== styled text ==\nruns=0\n\n== lines ==\n  line  0 y=    0.0 h="));
+    EXPECT_TRUE(out.contains("hasMarkedText=true markedRange={9, 2}"));
+    // Marked text never reaches the document; the committed text does, and the menu saved it.
+    EXPECT_EQ(readBytes(path("notes/Alpha.md")), QByteArray("# Alpha\n\n仮名 note\n"));
+    EXPECT_TRUE(readBytes(path("shot.png")).startsWith("\x89PNG"));
+    EXPECT_EQ(QDir(path("snaps")).entryList(QDir::Files).size(), 10);
+
+    // A single dump takes its one picture.
+    env = environment(QString());
+    env.insert("VELMO_UI_SNAPSHOT", path("single.png"));
+    run(env);
+    EXPECT_TRUE(readBytes(path("single.png")).startsWith("\x89PNG"));
+}
