@@ -149,11 +149,10 @@ void MainWindow::showAlert()
 
 void MainWindow::closeEvent(QCloseEvent* event)
 {
-    // A failed save keeps the window open, with its alert on screen.
-    if (m_state.prepareToTerminate())
-        event->accept();
-    else
-        event->ignore();
+    // Closing the window quits, through the one quit path: it saves, and a failed save keeps
+    // the window open with its alert on screen.
+    event->ignore();
+    m_state.quit();
 }
 
 }

@@ -26,9 +26,10 @@ int main(int argc, char** argv)
 
     QObject::connect(&terminationSignals, &velmo::app::TerminationSignals::received, &delegate,
                      &velmo::app::AppDelegate::terminate);
-    // Queued, so an end requested before the loop runs still ends it.
-    QObject::connect(&delegate, &velmo::app::AppDelegate::terminated, &application, &QCoreApplication::quit,
-                     Qt::QueuedConnection);
+    // Queued, so an end requested before the loop runs still ends it. `exit` and not `quit`: the
+    // handshake has already saved everything, and `quit` would ask the windows to close again.
+    QObject::connect(&delegate, &velmo::app::AppDelegate::terminated, &application,
+                     [] { QCoreApplication::exit(0); }, Qt::QueuedConnection);
     velmo::app::UIDump::scheduleIfRequested(state, &host, [&delegate] { delegate.terminate(); });
     return application.exec();
 }

@@ -241,3 +241,13 @@ TEST_F(DriverRun, windowCommandsWorkOnTheOffscreenWindow)
     run(env);
     EXPECT_TRUE(readBytes(path("single.png")).startsWith("\x89PNG"));
 }
+
+TEST_F(DriverRun, theQuitMenuEndsTheRunAtOnceAfterSaving)
+{
+    const QString out = run(environment("openFolder:" + path("notes") + "; activate:alpha; select:9,0; type:y; menu:File>Quit; dump"));
+    EXPECT_TRUE(out.contains("step 4: type:y — 1 characters"));
+    EXPECT_FALSE(out.contains("step 5:"));
+    EXPECT_FALSE(out.contains("summary"));
+    EXPECT_EQ(readBytes(path("notes/Alpha.md")), QByteArray("# Alpha\n\nyfirst note\n"));
+    EXPECT_EQ(session().value("selectedPath").toString(), path("notes/Alpha.md"));
+}
