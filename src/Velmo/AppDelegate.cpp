@@ -71,8 +71,13 @@ AppDelegate::TerminateReply AppDelegate::shouldTerminate()
 
 void AppDelegate::terminate()
 {
-    if (m_terminating || m_replyPending)
+    if (m_replyPending)
         return;
+    // Already approved: ask again, so a second signal still ends a process that did not go.
+    if (m_terminating) {
+        emit terminated();
+        return;
+    }
     switch (shouldTerminate()) {
     case TerminateReply::cancel:
         return;
