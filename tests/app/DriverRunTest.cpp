@@ -2,6 +2,7 @@
 #include "support/TestSupport.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -99,6 +100,8 @@ protected:
 TEST_F(DriverRun, stepsLogTheirNotesAndTheSummaryListsThemAll)
 {
     const QString notes = path("notes");
+    QElapsedTimer clock;
+    clock.start();
     const QString out = run(environment("openFolder:" + notes + "; open:" + notes + "/Alpha.md; select:9,0; type:a:b; wait; wait:0;"
                                         " text; select:x; frobnicate; set:fontSize=abc; set:autoSave=false; close"));
     const QStringList expected = {
@@ -115,6 +118,8 @@ TEST_F(DriverRun, stepsLogTheirNotesAndTheSummaryListsThemAll)
         "step 11: set:autoSave=false — autoSave = false",
         "step 12: close — closed active",
     };
+    // A bare `wait` holds its step for a second; every other step takes 0.05 s.
+    EXPECT_GE(clock.elapsed(), 1000);
     qsizetype at = 0;
     for (const QString& header : expected) {
         const qsizetype found = out.indexOf("========== " + header + " ==========", at);
