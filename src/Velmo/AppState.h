@@ -7,6 +7,8 @@
 #include "Velmo/AppAlert.h"
 #include "Velmo/EditorHandle.h"
 #include "Velmo/OpenDocument.h"
+#include "Velmo/SettingsTab.h"
+#include "Velmo/SidebarMode.h"
 #include "Velmo/SyncConflict.h"
 
 #include <QHash>
@@ -91,6 +93,35 @@ public:
     void scheduleSessionSave();
     void captureSession();
     bool prepareToTerminate();
+    // Closes every note (refused when one cannot be saved), the folder, and forgets the session.
+    void closeFolder();
+    // Opens the paths among the process's arguments (past the first): folders, then notes.
+    void openLaunchArguments(const QStringList& arguments);
+    // The user's quit: panels go first, then `terminationRequested` asks the shell to end.
+    void quit();
+    void setQuitting(bool quitting) { m_isQuitting = quitting; }
+
+    // Panels.
+    bool isSettingsVisible() const { return m_isSettingsVisible; }
+    bool isFindVisible() const { return m_isFindVisible; }
+    bool isReplaceVisible() const { return m_isReplaceVisible; }
+    bool isSearchVisible() const { return m_isSearchVisible; }
+    const QString& findQuery() const { return m_findQuery; }
+    int settingsRequestID() const { return m_settingsRequestID; }
+    SettingsTab settingsTab() const { return m_settingsTab; }
+    SidebarMode sidebarMode() const { return m_sidebarMode; }
+    const std::optional<QString>& selectedTag() const { return m_selectedTag; }
+    void showSettings();
+    void closeSettings();
+    void setFindVisible(bool visible);
+    void setFindQuery(const QString& query);
+    void setSearchVisible(bool visible);
+    void setSettingsTab(SettingsTab tab);
+    void setSidebarMode(SidebarMode mode);
+    void selectTag(const std::optional<QString>& tag);
+    // Settings, find and the pickers; the folder search panel is not transient.
+    bool hasTransientPanels() const;
+    void dismissTransientPanels();
 
 signals:
     void changed();
@@ -98,6 +129,9 @@ signals:
     void activeDocumentChanged();
     void statusMessageChanged();
     void alertChanged();
+    void panelsChanged();
+    // Asks the shell to end the process; it answers through its own quit handshake.
+    void terminationRequested();
 
 private:
     void observe();
@@ -118,6 +152,15 @@ private:
     std::optional<SyncConflict> m_syncConflict;
     int m_otherNotesSaved = 0;
     bool m_isQuitting = false;
+    bool m_isSettingsVisible = false;
+    bool m_isFindVisible = false;
+    bool m_isReplaceVisible = false;
+    bool m_isSearchVisible = false;
+    QString m_findQuery;
+    int m_settingsRequestID = 0;
+    SettingsTab m_settingsTab = SettingsTab::general;
+    SidebarMode m_sidebarMode = SidebarMode::files;
+    std::optional<QString> m_selectedTag;
     const bool m_persistsSession;
 
     QTimer m_sessionSave;

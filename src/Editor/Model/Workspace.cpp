@@ -52,21 +52,24 @@ void Workspace::rescan()
 {
     if (!m_root)
         return;
-    std::vector<MarkdownFile> notes;
+    QCollator collator;
+    collator.setNumericMode(true);
+    collator.setCaseSensitivity(Qt::CaseInsensitive);
+    // Sort keys made once per note: comparing paths anew costs most of a large folder's scan.
+    std::vector<std::pair<QCollatorSortKey, MarkdownFile>> keyed;
     // Hidden entries are skipped and symlinked folders are not followed, so no cycle can form.
     QDirIterator it(m_root->toLocalFile(), QDir::Files | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
     while (it.hasNext()) {
         const QString path = it.next();
         MarkdownFile file = MarkdownFile::atPath(path);
         if (file.isMarkdown())
-            notes.push_back(std::move(file));
+            keyed.emplace_back(collator.sortKey(relativePath(file.url())), std::move(file));
     }
-    QCollator collator;
-    collator.setNumericMode(true);
-    collator.setCaseSensitivity(Qt::CaseInsensitive);
-    std::sort(notes.begin(), notes.end(), [&](const MarkdownFile& a, const MarkdownFile& b) {
-        return collator.compare(relativePath(a.url()), relativePath(b.url())) < 0;
-    });
+    std::sort(keyed.begin(), keyed.end(), [](const auto& a, const auto& b) { return a.first.compare(b.first) < 0; });
+    std::vector<MarkdownFile> notes;
+    notes.reserve(keyed.size());
+    for (auto& [key, file] : keyed)
+        notes.push_back(std::move(file));
     m_notes = std::move(notes);
     ++m_contentGeneration;
     if (m_selection && !QFileInfo::exists(m_selection->toLocalFile()))
