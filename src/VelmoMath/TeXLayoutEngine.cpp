@@ -405,7 +405,7 @@ TeXBox TeXLayoutEngine::stretched(QStringView text, double height, TeXStyle styl
 {
     const double s = size(style);
     const TeXFont font = resolver.font(TeXFontRole::roman, s, text);
-    const TeXMetrics::Line& line = resolver.metrics().line(text, font);
+    const TeXMetrics::Line line = resolver.metrics().line(text, font);
     TeXBox glyphBox = resolver.metrics().box(text, font, color);
     const double inkHeight = line.ink.isNull() ? 0 : line.ink.height();
     // Ink, not the font's ascent, decides the scale: the drawn stroke must span the body.
@@ -462,7 +462,7 @@ TeXBox TeXLayoutEngine::layoutAccent(const TeXNode::Accent& accent, TeXStyle sty
     // The combining arrow lives in math fonts; the spacing accents in the text face.
     const TeXFontRole role = accent.accent == TeXAccent::vector ? TeXFontRole::symbol : TeXFontRole::roman;
     const TeXFont font = resolver.font(role, s, text);
-    const TeXMetrics::Line& line = resolver.metrics().line(text, font);
+    const TeXMetrics::Line line = resolver.metrics().line(text, font);
     TeXBox mark = resolver.metrics().box(text, font, color);
     QRectF ink = line.ink.isNull() ? QRectF(0, 0, mark.width, 0) : line.ink;
 

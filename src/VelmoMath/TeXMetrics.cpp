@@ -4,7 +4,7 @@
 
 namespace velmo::math {
 
-const TeXMetrics::Line& TeXMetrics::line(QStringView text, const TeXFont& font)
+TeXMetrics::Line TeXMetrics::line(QStringView text, const TeXFont& font)
 {
     if (text.size() == 1) {
         const quint64 key = (quint64(font.id) << 32) | text[0].unicode();
@@ -59,7 +59,7 @@ TeXMetrics::Line TeXMetrics::shape(QStringView text, const TeXFont& font)
 
 TeXBox TeXMetrics::box(QStringView text, const TeXFont& font, std::optional<QColor> color)
 {
-    const Line& measured = line(text, font);
+    const Line measured = line(text, font);
     TeXBox box;
     box.width = measured.advance;
     box.height = measured.ascent;
@@ -70,7 +70,7 @@ TeXBox TeXMetrics::box(QStringView text, const TeXFont& font, std::optional<QCol
 
 TeXBox TeXMetrics::inkBox(QStringView text, const TeXFont& font, std::optional<QColor> color)
 {
-    const Line& measured = line(text, font);
+    const Line measured = line(text, font);
     if (measured.ink.isNull())
         return TeXBox::empty();
     TeXBox glyph = box(text, font, std::move(color));

@@ -26,7 +26,8 @@ public:
     TeXMetrics(const TeXMetrics&) = delete;
     TeXMetrics& operator=(const TeXMetrics&) = delete;
 
-    [[nodiscard]] const Line& line(QStringView text, const TeXFont& font);
+    // A copy (it shares its data): references into the cache would not survive its growth.
+    [[nodiscard]] Line line(QStringView text, const TeXFont& font);
     // Typographic bounds: the advance, and the line's ascent and descent.
     [[nodiscard]] TeXBox box(QStringView text, const TeXFont& font, std::optional<QColor> color);
     // Ink bounds: the box hugs the inked area, the glyph shifted so that its ink starts at x 0.

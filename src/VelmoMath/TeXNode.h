@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <memory>
+#include <type_traits>
 #include <variant>
 #include <vector>
 
@@ -123,7 +124,9 @@ public:
     using Value = std::variant<Row, Atom, LargeOperator, Fraction, Stack, Radical, Scripts, Delimited, Accent,
                                Bar, Styled, Matrix, Spacing, Phantom, Missing>;
 
+    // Any case converts to a node; nothing else does.
     template <typename Case>
+        requires std::is_constructible_v<Value, Case&&>
     TeXNode(Case value) : value(std::move(value)) {}
 
     template <typename Case>

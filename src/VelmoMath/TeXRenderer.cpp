@@ -44,9 +44,9 @@ TeXRenderer::Picture TeXRenderer::picture(const TeXBox& box, double scale, const
 {
     // The area to show, y up: the box itself and any ink beyond it.
     QRectF area(0, -box.depth, box.width, box.height + box.depth);
-    const QRectF ink_ = box.inkBounds();
-    if (!ink_.isNull())
-        area = area.united(ink_);
+    const QRectF inked = box.inkBounds();
+    if (!inked.isNull())
+        area = area.united(inked);
     area.adjust(-padding, -padding, padding, padding);
 
     const double largest = std::max(area.width(), area.height());
