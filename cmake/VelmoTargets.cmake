@@ -3,6 +3,11 @@
 if(VELMO_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
   add_link_options(-fsanitize=address,undefined)
+  # Coverage instrumentation in the libraries, so that the fuzz targets see the code they
+  # exercise (without it libFuzzer only sees the target's own file and mutates blind).
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    add_compile_options(-fsanitize=fuzzer-no-link)
+  endif()
 endif()
 
 function(velmo_warnings target)

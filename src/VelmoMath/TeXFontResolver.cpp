@@ -61,6 +61,9 @@ constexpr Candidate fallbacks[] = {
 
 constexpr int roleCount = int(TeXFontRole::symbol) + 1;
 
+// Choices for longer texts (\text runs) stop being remembered past this many.
+constexpr qsizetype maxLongerChoices = 4096;
+
 // Sizes are kept to 1/64 point in cache keys.
 quint64 sizeKey(double size)
 {
@@ -277,7 +280,7 @@ TeXFont TeXFontResolver::font(TeXFontRole role, double size, QStringView text)
     const TeXFont font = sized(chosen, size);
     if (text.size() == 1)
         singleChoices.insert(roleAndSize | text[0].unicode(), font);
-    else
+    else if (longerChoices.size() < maxLongerChoices)
         longerChoices.insert(longKey, font);
     return font;
 }

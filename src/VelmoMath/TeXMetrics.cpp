@@ -18,8 +18,11 @@ TeXMetrics::Line TeXMetrics::line(QStringView text, const TeXFont& font)
     key.reserve(text.size() + 2);
     key.append(QChar(ushort(font.id >> 16))).append(QChar(ushort(font.id & 0xFFFF))).append(text);
     auto found = longer.find(key);
-    if (found == longer.end())
+    if (found == longer.end()) {
+        if (longer.size() >= maxLongerLines)
+            longer.clear();
         found = longer.insert(key, shape(text, font));
+    }
     return found.value();
 }
 

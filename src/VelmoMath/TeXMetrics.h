@@ -38,6 +38,10 @@ public:
 private:
     static Line shape(QStringView text, const TeXFont& font);
 
+    // Texts longer than a unit are mostly \text runs, and a long session may type many: the
+    // cache starts over past this many rather than grow without end.
+    static constexpr qsizetype maxLongerLines = 4096;
+
     // Most lookups are one UTF-16 unit: those take a key without a string.
     QHash<quint64, Line> single;
     QHash<QString, Line> longer;
