@@ -64,6 +64,7 @@ constexpr double columnGap = 0.8;
 constexpr double rowGap = 0.35;
 constexpr double matrixRoom = 0.15;
 constexpr double casesRoom = 0.18;
+constexpr double maxFontSize = 10000;
 // The math axis, where matrices and stacks are centred: the height of a minus sign's bar.
 constexpr double axisHeight = 0.25;
 
@@ -116,6 +117,11 @@ TeXLayoutEngine::TeXLayoutEngine(TeXFontResolver& resolver, double fontSize, std
                                  QColor missingColor)
     : resolver(resolver), fontSize(fontSize), color(std::move(color)), missingColor(missingColor)
 {
+}
+
+double TeXLayoutEngine::baseSize() const
+{
+    return std::isfinite(fontSize) && fontSize > 0 ? std::min(fontSize, maxFontSize) : 0.0;
 }
 
 double TeXLayoutEngine::scale(TeXStyle style)
@@ -232,7 +238,7 @@ TeXBox TeXLayoutEngine::layoutLargeOperator(const TeXNode::LargeOperator& op, Te
 
 TeXBox TeXLayoutEngine::layoutFraction(const TeXNode::Fraction& fraction, TeXStyle style) const
 {
-    const double f = fontSize;
+    const double f = baseSize();
     TeXStyle parts = TeXStyle::script;
     double z = f;
     double gap = 0.12 * f;

@@ -24,7 +24,7 @@ public:
 
     // The size of a style relative to `fontSize`.
     [[nodiscard]] static double scale(TeXStyle style);
-    [[nodiscard]] double size(TeXStyle style) const { return fontSize * scale(style); }
+    [[nodiscard]] double size(TeXStyle style) const { return baseSize() * scale(style); }
 
     TeXFontResolver& resolver;
     double fontSize;
@@ -32,6 +32,8 @@ public:
     QColor missingColor;
 
 private:
+    // fontSize, kept to sizes a font can have so that no box turns out NaN or negative.
+    [[nodiscard]] double baseSize() const;
     TeXBox glyph(QStringView text, TeXFontRole role, double size, std::optional<QColor> ink) const;
     TeXBox layoutAtom(const TeXNode::Atom& atom, TeXStyle style) const;
     TeXBox layoutRow(const std::vector<TeXNode>& children, TeXStyle style) const;

@@ -380,4 +380,11 @@ TEST_F(TeXLayout, halfTypedAndHostileInputStillLayOut)
             EXPECT_TRUE(finiteTree(box)) << source;
         }
     }
+    // Deep nesting is cut off by the parser, so layout and drawing recurse only so far.
+    for (const QString& deep : {QStringLiteral("\\frac{").repeated(20000), QStringLiteral("x^{\\sqrt{").repeated(20000),
+                                QStringLiteral("\\left(").repeated(20000)}) {
+        const TeXBox box = engine.layout(TeXParser::parse(deep), TeXStyle::display);
+        EXPECT_TRUE(finiteTree(box));
+        EXPECT_FALSE(box.inkBounds().isNull());
+    }
 }
