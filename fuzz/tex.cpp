@@ -1,5 +1,5 @@
 // Arbitrary formula sources through parse, layout and (for small boxes) drawing: no crash, no
-// hang, and every box finite with no negative width.
+// hang, and every box finite with no negative width. fuzz/tex.dict holds TeX words for -dict=.
 
 #include "VelmoMath/TeXLayoutEngine.h"
 #include "VelmoMath/TeXParser.h"
