@@ -47,6 +47,7 @@ void AppState::scheduleAutosave(OpenDocument* document)
     auto* timer = new QTimer(this);
     timer->setSingleShot(true);
     timer->setInterval(delayMs);
+    timer->setTimerType(Qt::PreciseTimer); // a coarse timer may fire early, under the minimum
     const QPointer<OpenDocument> weak(document);
     connect(timer, &QTimer::timeout, this, [this, weak] {
         if (!weak || !contains(weak) || !weak->isDirty() || !m_settings->autoSave())
