@@ -3,6 +3,7 @@
 #include "Velmo/AppState.h"
 
 #include "Editor/Model/NoteTitle.h"
+#include "MarkdownEngine/Core/TextCharacters.h"
 
 #include <QDir>
 #include <QFile>
@@ -172,7 +173,13 @@ bool AppState::save(OpenDocument* document, bool announcing)
 AppState::SavableContents AppState::savableContents(OpenDocument* document) const
 {
     SavableContents result{document->text(), document->url(), document->caret()};
-    const auto name = NoteTitle::name(result.text);
+    // Only the first line is handed over: the title never depends on the rest, and a copy of
+    // the whole note would cost the main thread milliseconds on a large one.
+    const QStringView text = result.text; // a view: indexing a non-const QString would detach it
+    qsizetype lineEnd = 0;
+    while (lineEnd < text.size() && !markdown::chars::isNewline(text[lineEnd].unicode()))
+        ++lineEnd;
+    const auto name = NoteTitle::name(text.left(lineEnd).toString());
     if (!name)
         return result;
     const QFileInfo info(result.url.toLocalFile());
@@ -182,7 +189,9 @@ AppState::SavableContents AppState::savableContents(OpenDocument* document) cons
     const QString directory = info.absolutePath();
     const QString suffix = extension.isEmpty() ? QString() : u'.' + extension;
     const QUrl candidate = QUrl::fromLocalFile(directory + u'/' + *name + suffix);
-    if (editor::canonicalPath(candidate) == editor::canonicalPath(result.url))
+    // Equal spellings are the same file; only different ones need symlinks resolved.
+    if (QDir::cleanPath(candidate.toLocalFile()) == QDir::cleanPath(result.url.toLocalFile())
+        || editor::canonicalPath(candidate) == editor::canonicalPath(result.url))
         return result;
 
     const QString unique = m_workspace.uniqueName(*name, extension, QUrl::fromLocalFile(directory));
