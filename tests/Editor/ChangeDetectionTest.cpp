@@ -139,13 +139,23 @@ TEST(DirectoryWatcher, reportsOutsideChangesAnywhereButNotOurOwn)
     EXPECT_EQ(calls, 0) << "no handler runs after stop";
 }
 
-TEST(DirectoryWatcher, aFolderThatCannotBeWatchedRunsWithoutWatching)
+TEST(DirectoryWatcher, limitsAreReportedAndAFolderThatCannotBeWatchedIsNoFailure)
 {
-    DirectoryWatcher watcher(fileUrl("/nonexistent/velmo-folder"), [] {}, {});
-    watcher.start();
+    QTemporaryDir dir;
+    QDir(dir.path()).mkpath("a/b/c");
+    std::atomic<int> limits{0};
+    DirectoryWatcher limited(fileUrl(dir.path()), [] {}, {});
+    limited.setWatchLimit(2);
+    limited.setLimitHandler([&] { ++limits; });
+    limited.start();
+    ASSERT_TRUE(eventually([&] { return limits == 1; }, 2000));
+    EXPECT_TRUE(limited.isWatching());
+    EXPECT_EQ(limited.watchCount(), 2);
+
+    DirectoryWatcher missing(fileUrl("/nonexistent/velmo-folder"), [] {}, {});
+    missing.start();
     QThread::msleep(50);
-    EXPECT_FALSE(watcher.isWatching());
-    watcher.stop();
+    EXPECT_FALSE(missing.isWatching());
 }
 
 TEST(NoteTextCache, readsOnlyWhatChangedAndTrustsDateAndSize)

@@ -29,6 +29,7 @@ constexpr qsizetype maximumBatch = 20'000;
 // The watches of one inotify instance, by descriptor, with the folder each stands for.
 struct Watches {
     int fd = -1;
+    int limit = -1;
     QHash<int, QByteArray> folders;
     bool limitReached = false;
 
@@ -41,7 +42,10 @@ struct Watches {
             const QByteArray folder = std::move(pending.back());
             pending.pop_back();
             const uint32_t mask = watchMask | (folder == top && followTop ? 0 : IN_DONT_FOLLOW);
-            const int wd = ::inotify_add_watch(fd, folder.constData(), mask);
+            const bool full = limit >= 0 && folders.size() >= limit;
+            if (full)
+                errno = ENOSPC;
+            const int wd = full ? -1 : ::inotify_add_watch(fd, folder.constData(), mask);
             if (wd < 0) {
                 if (errno == ENOSPC || errno == ENOMEM)
                     limitReached = true;
@@ -150,6 +154,7 @@ void DirectoryWatcher::run()
     watches.fd = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
     if (watches.fd < 0)
         return;
+    watches.limit = m_watchLimit;
     const QByteArray root = QFile::encodeName(m_url.toLocalFile());
     watches.addTree(root, true, nullptr);
     if (!watches.folders.values().contains(root)) {

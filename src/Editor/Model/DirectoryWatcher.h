@@ -30,6 +30,8 @@ public:
     // Called once, on the watcher's thread, when the system's limit of watches leaves some
     // folders unwatched. Set before `start`.
     void setLimitHandler(Handler handler) { m_limitHandler = std::move(handler); }
+    // A lower limit of watches than the system's, so the limit can be met in a test.
+    void setWatchLimit(int limit) { m_watchLimit = limit; }
 
     // Asynchronous: the watches are set up on the watcher's thread. A second start is a no-op.
     // When the watch cannot be set up, the thread ends and nothing is reported.
@@ -53,6 +55,7 @@ private:
     OwnWriteTest m_isOwnWrite;
     Handler m_limitHandler;
     int m_latencyMs;
+    int m_watchLimit = -1; // none but the system's
     std::unique_ptr<QThread> m_thread;
     int m_wakeFd = -1;
     std::atomic<bool> m_watching{false};
