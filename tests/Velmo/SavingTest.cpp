@@ -284,6 +284,22 @@ TEST_F(SavingTest, autosaveWaitsForAPauseOfAtLeastHalfASecond)
     EXPECT_FALSE(state.isAutosaveScheduled(document));
 }
 
+TEST_F(SavingTest, ourOwnWritesCauseNoRescan)
+{
+    OpenDocument* document = openNote();
+    QThread::msleep(50);
+    QCoreApplication::processEvents();
+    const auto generation = state.workspace().contentGeneration();
+    for (const char* text : {"# Note\none", "# Note\ntwo"}) {
+        document->setText(text);
+        ASSERT_TRUE(state.saveInBackground(document, false));
+        settle();
+    }
+    EXPECT_TRUE(state.save(document, false));
+    // Longer than the watcher's latency and the rescan's delay together.
+    EXPECT_FALSE(eventually([&] { return state.workspace().contentGeneration() != generation; }, 800));
+}
+
 // Other programs writing the open note: in place, by `sed -i`, and by rename.
 TEST_F(SavingTest, anOutsideEditorIsNoticedByTheWatcher)
 {
