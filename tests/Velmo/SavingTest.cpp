@@ -262,6 +262,17 @@ TEST_F(SavingTest, closingWithAWriteInFlightSeesNoConflictWithItself)
     EXPECT_TRUE(state.documents().empty());
     EXPECT_EQ(disk(), "# Note\nfirst and more");
     QCoreApplication::processEvents(); // the stale completion is dropped
+
+    // A write in flight that met a change made elsewhere: closing must not overwrite it.
+    document = openNote();
+    document->setText("# Note\nmine");
+    writeBytes(path(), "# Note\ntheirs");
+    shiftDate(path(), 10);
+    ASSERT_TRUE(state.saveInBackground(document, false));
+    EXPECT_FALSE(state.close(document));
+    EXPECT_TRUE(state.syncConflict());
+    EXPECT_EQ(disk(), "# Note\ntheirs");
+    QCoreApplication::processEvents();
 }
 
 TEST_F(SavingTest, autosaveWaitsForAPauseOfAtLeastHalfASecond)
