@@ -1,5 +1,6 @@
 #include "MainWindow.h"
 
+#include "ConflictDialog.h"
 #include "PlainNoteEditor.h"
 #include "Velmo/AppState.h"
 
@@ -58,6 +59,8 @@ MainWindow::MainWindow(app::AppState& state, QWidget* parent)
     connect(&m_state, &app::AppState::activeDocumentChanged, this, &MainWindow::showActiveDocument);
     connect(&m_state, &app::AppState::changed, this, &MainWindow::refreshStatus);
     connect(&m_state, &app::AppState::alertChanged, this, &MainWindow::showAlert);
+    connect(&m_state, &app::AppState::syncConflictChanged, this, &MainWindow::showConflict);
+    connect(&m_state, &app::AppState::changed, this, &MainWindow::synchronizeEditor);
 
     refreshNotes();
     showActiveDocument();
@@ -145,6 +148,33 @@ void MainWindow::showAlert()
     QMessageBox::warning(this, shown.title, shown.message.value_or(QString()));
     if (m_state.alert() && m_state.alert()->id == shown.id)
         m_state.dismissAlert();
+}
+
+void MainWindow::showConflict()
+{
+    const auto& conflict = m_state.syncConflict();
+    if (m_conflictDialog && (!conflict || m_conflictDialog->conflict().id != conflict->id))
+        m_conflictDialog->deleteLater();
+    if (!conflict || (m_conflictDialog && m_conflictDialog->conflict().id == conflict->id))
+        return;
+    m_conflictDialog = new ConflictDialog(*conflict, this);
+    m_conflictDialog->setAttribute(Qt::WA_DeleteOnClose);
+    connect(m_conflictDialog, &ConflictDialog::resolved, this,
+            [this](const app::SyncConflict& shown, app::SyncResolution resolution) {
+                m_state.resolve(shown, resolution);
+            });
+    m_conflictDialog->open();
+}
+
+void MainWindow::synchronizeEditor()
+{
+    app::OpenDocument* document = m_state.activeDocument();
+    if (m_loadingEditor || !document || m_editor->documentId() != document->id() || m_editor->isComposing()
+        || m_editor->toPlainText() == document->text())
+        return;
+    m_loadingEditor = true;
+    m_editor->replaceText(0, int(m_editor->toPlainText().size()), document->text(), int(document->caret()));
+    m_loadingEditor = false;
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QPointer>
 
 class QLabel;
 class QListWidget;
@@ -11,6 +12,7 @@ class AppState;
 
 namespace velmo::ui {
 
+class ConflictDialog;
 class PlainNoteEditor;
 
 // The window around the application state: the notes of the folder, the open note, a status bar.
@@ -30,12 +32,16 @@ private:
     void refreshStatus();
     void showAlert();
     void chooseFolder();
+    void showConflict();
+    // Text changed by the logic (a reload from disk, a resolved conflict) reaches the view.
+    void synchronizeEditor();
 
     app::AppState& m_state;
     QListWidget* m_notes = nullptr;
     PlainNoteEditor* m_editor = nullptr;
     QLabel* m_statistics = nullptr;
     bool m_loadingEditor = false;
+    QPointer<ConflictDialog> m_conflictDialog;
 };
 
 }

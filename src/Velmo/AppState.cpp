@@ -9,7 +9,6 @@ namespace velmo::app {
 using editor::MarkdownFile;
 using editor::MarkdownFileError;
 
-static constexpr int textDebounceMs = 150;
 static constexpr int settingsDebounceMs = 600;
 static constexpr int sessionSaveDelayMs = 1000;
 
@@ -31,6 +30,7 @@ AppState::AppState(std::unique_ptr<editor::EditorSettings> settings, bool restor
         openDefaultFolderIfNeeded();
     }
     observe();
+    startSyncMonitoring();
 }
 
 AppState::~AppState()
@@ -60,7 +60,7 @@ void AppState::observe(OpenDocument* document)
 {
     connect(document, &OpenDocument::changed, this, &AppState::changed);
     auto* debounce = new QTimer(document);
-    makeSingleShot(*debounce, textDebounceMs);
+    makeSingleShot(*debounce, m_delays.textDebounceMs);
     connect(document, &OpenDocument::textChanged, debounce, qOverload<>(&QTimer::start));
     // The timer belongs to the document, so a detached document's debounce dies with it.
     connect(debounce, &QTimer::timeout, this, [this, document] {
@@ -68,6 +68,8 @@ void AppState::observe(OpenDocument* document)
             return;
         m_session.rememberCaret(document->caret(), document->url());
         scheduleSessionSave();
+        if (document->isDirty() && m_settings->autoSave())
+            scheduleAutosave(document);
     });
     m_textDebounces.insert(document->id(), debounce);
 }
@@ -185,8 +187,11 @@ void AppState::replaceOpenDocument(std::unique_ptr<OpenDocument> document)
 
 void AppState::cancelAutosave(OpenDocument* document)
 {
-    if (QTimer* timer = m_autosaves.take(document->id()))
-        delete timer;
+    // Later, not now: this may run inside the timer's own timeout.
+    if (QTimer* timer = m_autosaves.take(document->id())) {
+        timer->stop();
+        timer->deleteLater();
+    }
 }
 
 void AppState::detach(OpenDocument* document)
@@ -194,6 +199,8 @@ void AppState::detach(OpenDocument* document)
     if (!contains(document))
         return;
     cancelAutosave(document);
+    m_writeAgainWhenDone.remove(document->id());
+    m_pendingWrites.remove(document->id());
     m_textDebounces.remove(document->id());
     const bool wasActive = document == activeDocument();
     m_documents.erase(std::find(m_documents.begin(), m_documents.end(), document));
@@ -283,7 +290,7 @@ bool AppState::prepareForDocumentSwitch()
         setStatusMessage(tr("Finish the current input before switching documents."));
         return false;
     }
-    if (active->isDirty())
+    if (active->isDirty() || m_pendingWrites.contains(active->id()))
         return save(active, false);
     return true;
 }

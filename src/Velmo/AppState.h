@@ -6,6 +6,7 @@
 #include "Editor/Settings/EditorSettings.h"
 #include "Velmo/AppAlert.h"
 #include "Velmo/EditorHandle.h"
+#include "Velmo/NoteWriter.h"
 #include "Velmo/OpenDocument.h"
 #include "Velmo/SettingsTab.h"
 #include "Velmo/SidebarMode.h"
@@ -13,6 +14,7 @@
 
 #include <QHash>
 #include <QObject>
+#include <QSet>
 #include <QTimer>
 #include <QUrl>
 #include <memory>
@@ -86,6 +88,28 @@ public:
     // A conflict when the file changed since we last saw it and holds none of our texts.
     std::optional<SyncConflict> unseenDiskChange(OpenDocument* document, const std::optional<QString>& besides) const;
 
+    // Saving in the background, and the way back from changes made elsewhere.
+    struct SavingDelays {
+        int textDebounceMs = 150;
+        int minimumAutosaveMs = 500; // the autosave delay of the settings is never shorter
+        int syncIntervalMs = 2000;   // the periodic look at the disk
+    };
+    // For tests and automation, before documents are opened.
+    void setSavingDelays(const SavingDelays& delays);
+    NoteWriter& writer() { return m_writer; }
+    void scheduleAutosave(OpenDocument* document);
+    [[nodiscard]] bool isAutosaveScheduled(const OpenDocument* document) const;
+    bool saveInBackground(OpenDocument* document, bool announcing);
+    void backgroundSaveFinished(const NoteWriter::Write& write, const NoteWriter::Outcome& outcome,
+                                OpenDocument* document, bool announcing);
+    // The text of the write in flight for the document, if any.
+    std::optional<QString> textOnTheWay(const OpenDocument* document) const;
+    void reloadOpenDocumentsChangedOnDisk();
+    void synchronizeWithDisk();
+    // The same, on the next turn of the event loop.
+    void synchronizeWithDiskNow();
+    void resolve(const SyncConflict& conflict, SyncResolution resolution);
+
     // Launch, session, quit.
     void openWorkspace(const QUrl& url);
     void restoreSession();
@@ -132,6 +156,7 @@ signals:
     void panelsChanged();
     // Asks the shell to end the process; it answers through its own quit handshake.
     void terminationRequested();
+    void syncConflictChanged();
 
 private:
     void observe();
@@ -140,6 +165,8 @@ private:
     void cancelAutosave(OpenDocument* document);
     bool contains(const OpenDocument* document) const;
     void raiseConflict(const SyncConflict& conflict);
+    void startSyncMonitoring();
+    void saveCopy(const SyncConflict& conflict);
 
     std::unique_ptr<editor::EditorSettings> m_settings;
     editor::Workspace m_workspace;
@@ -169,6 +196,11 @@ private:
     // Per document: the 150 ms text debounce and the pending autosave.
     QHash<QString, QTimer*> m_textDebounces;
     QHash<QString, QTimer*> m_autosaves;
+    SavingDelays m_delays;
+    QHash<QString, NoteWriter::Write> m_pendingWrites; // at most one write in flight per document
+    QSet<QString> m_writeAgainWhenDone;
+    QTimer m_syncTimer;
+    NoteWriter m_writer;
 };
 
 }

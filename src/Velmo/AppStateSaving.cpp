@@ -3,11 +3,14 @@
 #include "Velmo/AppState.h"
 
 #include "Editor/Model/NoteTitle.h"
+#include "MarkdownEngine/Core/TextCharacters.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QPointer>
 #include <QTextBoundaryFinder>
+#include <algorithm>
 
 namespace velmo::app {
 
@@ -18,16 +21,133 @@ namespace NoteTitle = editor::NoteTitle;
 void AppState::raiseConflict(const SyncConflict& conflict)
 {
     if (m_syncConflict)
-        return;
+        return; // the one shown stays until resolved
     m_syncConflict = conflict;
+    emit syncConflictChanged();
     emit changed();
+}
+
+std::optional<QString> AppState::textOnTheWay(const OpenDocument* document) const
+{
+    const auto pending = m_pendingWrites.constFind(document->id());
+    if (pending == m_pendingWrites.constEnd())
+        return std::nullopt;
+    return pending->text;
+}
+
+void AppState::setSavingDelays(const SavingDelays& delays)
+{
+    m_delays = delays;
+    m_syncTimer.setInterval(delays.syncIntervalMs);
+}
+
+void AppState::scheduleAutosave(OpenDocument* document)
+{
+    const int delayMs = std::max(int(m_settings->autoSaveDelay() * 1000), m_delays.minimumAutosaveMs);
+    cancelAutosave(document);
+    auto* timer = new QTimer(this);
+    timer->setSingleShot(true);
+    timer->setInterval(delayMs);
+    timer->setTimerType(Qt::PreciseTimer); // a coarse timer may fire early, under the minimum
+    const QPointer<OpenDocument> weak(document);
+    connect(timer, &QTimer::timeout, this, [this, weak] {
+        if (!weak || !contains(weak) || !weak->isDirty() || !m_settings->autoSave())
+            return;
+        saveInBackground(weak, false);
+    });
+    m_autosaves.insert(document->id(), timer);
+    timer->start();
+}
+
+bool AppState::isAutosaveScheduled(const OpenDocument* document) const
+{
+    const QTimer* timer = m_autosaves.value(document->id());
+    return timer && timer->isActive();
+}
+
+bool AppState::saveInBackground(OpenDocument* document, bool announcing)
+{
+    if (!contains(document))
+        return false;
+    if (document == activeDocument() && m_editor.isComposing()) {
+        if (m_settings->autoSave())
+            scheduleAutosave(document);
+        return false; // marked text never reaches the disk
+    }
+    SavableContents contents;
+    try {
+        contents = savableContents(document);
+    } catch (const MarkdownFileError&) {
+        return save(document, announcing); // which reports the failure
+    }
+    if (contents.url != document->url())
+        return save(document, announcing); // a rename never goes through the background
+    const QString id = document->id();
+    if (m_pendingWrites.contains(id)) {
+        m_writeAgainWhenDone.insert(id);
+        return true;
+    }
+    // Only references to the texts are copied here: no encoding, no disk access.
+    const NoteWriter::Write write{id, contents.url, contents.text, contents.caret,
+                                  document->diskDate(), document->savedText(), ++m_writer.sequence};
+    m_workspace.noteWrittenHere(contents.url);
+    m_pendingWrites.insert(id, write);
+    const QPointer<OpenDocument> weak(document);
+    m_writer.start(write, [this, weak, announcing](const NoteWriter::Write& done, const NoteWriter::Outcome& outcome) {
+        if (weak)
+            backgroundSaveFinished(done, outcome, weak, announcing);
+    });
+    return true;
+}
+
+void AppState::backgroundSaveFinished(const NoteWriter::Write& write, const NoteWriter::Outcome& outcome,
+                                      OpenDocument* document, bool announcing)
+{
+    const auto pending = m_pendingWrites.constFind(document->id());
+    if (pending == m_pendingWrites.constEnd() || pending->sequence != write.sequence)
+        return; // stale: a synchronous save or finishWritesInFlight took over
+    m_pendingWrites.erase(pending);
+
+    bool written = false;
+    if (const auto* done = std::get_if<NoteWriter::Written>(&outcome)) {
+        document->noteSaved(write.text, done->date); // stays dirty when typing went on meanwhile
+        savedHere(document, announcing);
+        written = true;
+    } else if (const auto* conflict = std::get_if<NoteWriter::Conflicted>(&outcome)) {
+        if (conflict->textOnDisk == document->text()) {
+            // Somebody else wrote what we hold: nothing to choose between.
+            document->noteSaved(conflict->textOnDisk, document->file().modificationDate());
+        } else {
+            cancelAutosave(document);
+            raiseConflict(SyncConflict{QUuid::createUuid(), SyncConflict::Kind::editedBothPlaces, document->url(),
+                                       document->title(), conflict->textOnDisk});
+        }
+    } else if (const auto* failure = std::get_if<NoteWriter::Failed>(&outcome)) {
+        reportFileError(MarkdownFileError::notWritable(failure->message), tr("Could Not Save Document"));
+    }
+
+    const bool again = m_writeAgainWhenDone.remove(document->id());
+    if (again && document->isDirty())
+        saveInBackground(document, announcing);
+    else if (written && document->isDirty() && m_settings->autoSave())
+        scheduleAutosave(document); // what was typed during the write still gets its turn
 }
 
 bool AppState::save(OpenDocument* document, bool announcing)
 {
-    if (document == activeDocument() && m_editor.isComposing())
+    if (document == activeDocument() && m_editor.isComposing()) {
+        if (m_settings->autoSave())
+            scheduleAutosave(document);
         return false; // marked text never reaches the disk
-    if (const auto conflict = unseenDiskChange(document, std::nullopt)) {
+    }
+    m_writer.waitForDisk();
+    std::optional<QString> pendingText;
+    if (const auto pending = m_pendingWrites.constFind(document->id()); pending != m_pendingWrites.constEnd()) {
+        pendingText = pending->text;
+        m_pendingWrites.erase(pending);
+        m_writeAgainWhenDone.remove(document->id());
+    }
+    if (const auto conflict = unseenDiskChange(document, pendingText)) {
         cancelAutosave(document);
         raiseConflict(*conflict);
         return false;
@@ -53,7 +173,13 @@ bool AppState::save(OpenDocument* document, bool announcing)
 AppState::SavableContents AppState::savableContents(OpenDocument* document) const
 {
     SavableContents result{document->text(), document->url(), document->caret()};
-    const auto name = NoteTitle::name(result.text);
+    // Only the first line is handed over: the title never depends on the rest, and a copy of
+    // the whole note would cost the main thread milliseconds on a large one.
+    const QStringView text = result.text; // a view: indexing a non-const QString would detach it
+    qsizetype lineEnd = 0;
+    while (lineEnd < text.size() && !markdown::chars::isNewline(text[lineEnd].unicode()))
+        ++lineEnd;
+    const auto name = NoteTitle::name(text.left(lineEnd).toString());
     if (!name)
         return result;
     const QFileInfo info(result.url.toLocalFile());
@@ -63,7 +189,9 @@ AppState::SavableContents AppState::savableContents(OpenDocument* document) cons
     const QString directory = info.absolutePath();
     const QString suffix = extension.isEmpty() ? QString() : u'.' + extension;
     const QUrl candidate = QUrl::fromLocalFile(directory + u'/' + *name + suffix);
-    if (editor::canonicalPath(candidate) == editor::canonicalPath(result.url))
+    // Equal spellings are the same file; only different ones need symlinks resolved.
+    if (QDir::cleanPath(candidate.toLocalFile()) == QDir::cleanPath(result.url.toLocalFile())
+        || editor::canonicalPath(candidate) == editor::canonicalPath(result.url))
         return result;
 
     const QString unique = m_workspace.uniqueName(*name, extension, QUrl::fromLocalFile(directory));
@@ -129,9 +257,33 @@ bool AppState::saveDirtyDocuments(const std::vector<OpenDocument*>& list)
     return true;
 }
 
-void AppState::finishWritesInFlight(const std::vector<OpenDocument*>&)
+void AppState::finishWritesInFlight(const std::vector<OpenDocument*>& list)
 {
-    // Nothing is written in the background yet.
+    if (m_pendingWrites.isEmpty())
+        return;
+    const std::vector<OpenDocument*> copy = list;
+    for (OpenDocument* document : copy) {
+        const auto pending = m_pendingWrites.constFind(document->id());
+        if (pending == m_pendingWrites.constEnd())
+            continue;
+        const NoteWriter::Write write = *pending;
+        m_pendingWrites.erase(pending);
+        m_writeAgainWhenDone.remove(write.id);
+        m_writer.discard(write.id);
+        m_writer.waitForDisk();
+        // Our own write is now the base of the checks, so the save below does not mistake it
+        // for a change made elsewhere. Only when it really landed: a write that met a conflict
+        // must still meet it.
+        const MarkdownFile file(write.url);
+        bool landed = false;
+        try {
+            landed = file.read(true) == write.text;
+        } catch (const MarkdownFileError&) {
+        }
+        if (landed)
+            document->noteSaved(write.text, file.modificationDate());
+        save(document, false);
+    }
 }
 
 void AppState::synchronizeEditorContents(const QString& text, OpenDocument* document, qsizetype caret)
@@ -186,7 +338,7 @@ std::optional<SyncConflict> AppState::unseenDiskChange(OpenDocument* document, c
     } catch (const MarkdownFileError&) {
         return std::nullopt;
     }
-    if (onDisk == document->savedText() || (besides && onDisk == *besides))
+    if (onDisk == document->savedText() || onDisk == textOnTheWay(document) || (besides && onDisk == *besides))
         return std::nullopt;
     return SyncConflict{QUuid::createUuid(), SyncConflict::Kind::editedBothPlaces, document->url(),
                         document->title(), onDisk};

@@ -54,6 +54,8 @@ public:
     void noteSaved(const QString& text, std::optional<QDateTime> date);
     void acceptSavedContents(const QString& text, std::optional<qsizetype> caret);
     void applyDiskContents(const QString& text, std::optional<QDateTime> date);
+    // The disk's copy moved to a new date without a change of text.
+    void setDiskDate(std::optional<QDateTime> date) { m_diskDate = std::move(date); }
     void retarget(const QUrl& url);
     void reload();
     void save();

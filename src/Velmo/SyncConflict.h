@@ -15,8 +15,15 @@ struct SyncConflict {
     QUrl url;
     QString title;
     QString otherText;
+
+    // What the conflict sheet says.
+    [[nodiscard]] QString sheetTitle() const;
+    [[nodiscard]] QString sheetMessage() const;
 };
 
 enum class SyncResolution { keepMine, useOther, keepBoth, later };
+
+// The sheet's button for each choice.
+[[nodiscard]] QString choiceTitle(SyncResolution resolution);
 
 }

@@ -1,5 +1,7 @@
 #include "Editor/Model/MarkdownFile.h"
 
+#include "Editor/Model/NoteTextCache.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -177,6 +179,7 @@ void MarkdownFile::write(const QString& text) const
         (void)::fsync(dirFd);
         ::close(dirFd);
     }
+    NoteTextCache::shared().store(text, m_url);
 }
 
 QString MarkdownFile::title(const QString& text) const

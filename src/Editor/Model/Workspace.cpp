@@ -35,10 +35,14 @@ void Workspace::open(const QUrl& url)
     m_selection.reset();
     m_expanded = {path};
     rescan();
+    startWatching(*m_root);
 }
 
 void Workspace::close()
 {
+    m_watcher.reset();
+    if (m_rescanWork)
+        m_rescanWork->stop();
     m_root.reset();
     m_notes.clear();
     m_selection.reset();
@@ -90,8 +94,46 @@ void Workspace::select(const std::optional<QUrl>& url)
     emit changed();
 }
 
-void Workspace::noteWrittenHere(const QUrl&)
+void Workspace::noteWrittenHere(const QUrl& url)
 {
+    m_ownWrites.record(url);
+}
+
+void Workspace::markContentChanged()
+{
+    ++m_contentGeneration;
+    emit changed();
+}
+
+static constexpr int rescanDelayMs = 350;
+
+void Workspace::scheduleRescan()
+{
+    if (!m_rescanWork) {
+        m_rescanWork = new QTimer(this);
+        m_rescanWork->setSingleShot(true);
+        m_rescanWork->setInterval(rescanDelayMs);
+        connect(m_rescanWork, &QTimer::timeout, this, [this] {
+            rescan();
+            emit changedOnDisk();
+        });
+    }
+    m_rescanWork->start();
+}
+
+void Workspace::startWatching(const QUrl& url)
+{
+    m_watcher.reset();
+    m_ownWrites.removeAll();
+    // The watcher's thread only posts to this object; a post left when it is gone is dropped.
+    m_watcher = std::make_unique<DirectoryWatcher>(
+        url, [this] { QMetaObject::invokeMethod(this, &Workspace::scheduleRescan, Qt::QueuedConnection); },
+        [this](const QString& path) { return m_ownWrites.isOwn(path); });
+    m_watcher->setLimitHandler([this] {
+        const QString message = tr("Some folders are not watched for changes: the system’s limit of watched folders is reached.");
+        QMetaObject::invokeMethod(this, [this, message] { emit watchProblem(message); }, Qt::QueuedConnection);
+    });
+    m_watcher->start();
 }
 
 bool Workspace::contains(const QUrl& url) const

@@ -1,11 +1,15 @@
 #pragma once
 
+#include "Editor/Model/DirectoryWatcher.h"
 #include "Editor/Model/MarkdownFile.h"
+#include "Editor/Model/OwnWrites.h"
 
 #include <QObject>
 #include <QSet>
 #include <QString>
+#include <QTimer>
 #include <QUrl>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -36,6 +40,15 @@ public:
     void select(const std::optional<QUrl>& url);
     // Announces a write of our own, so change detection does not take it for an outside edit.
     void noteWrittenHere(const QUrl& url);
+    // A note was reloaded from disk: a sign for the models that something changed.
+    void markContentChanged();
+
+    // Watches the folder; its events (other than our own writes) schedule a rescan.
+    void startWatching(const QUrl& url);
+    // Coalesces a burst of changes into one rescan, 0.35 s after the last.
+    void scheduleRescan();
+    OwnWrites& ownWrites() { return m_ownWrites; }
+    const DirectoryWatcher* watcher() const { return m_watcher.get(); }
 
     // Symlinks resolved on both sides: the root itself, or a path under it.
     bool contains(const QUrl& url) const;
@@ -46,6 +59,10 @@ public:
 
 signals:
     void changed();
+    // A rescan asked for by the watcher ran: files changed outside the program.
+    void changedOnDisk();
+    // The watcher could not watch everything; the workspace still works.
+    void watchProblem(const QString& message);
 
 private:
     std::optional<QUrl> m_root;
@@ -54,6 +71,10 @@ private:
     QSet<QString> m_expanded;
     std::optional<QString> m_lastError;
     quint64 m_contentGeneration = 0;
+    OwnWrites m_ownWrites{5.0};
+    QTimer* m_rescanWork = nullptr;
+    // Last, so it stops (synchronously) before what its handlers use goes away.
+    std::unique_ptr<DirectoryWatcher> m_watcher;
 };
 
 // The standardized path with symbolic links resolved; the file's own path when it does not exist.
