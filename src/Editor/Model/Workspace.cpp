@@ -1,18 +1,24 @@
 #include "Editor/Model/Workspace.h"
 
+#include "Editor/Model/WorkspaceFile.h"
+#include "Editor/Model/WorkspaceTree.h"
 #include "MarkdownEngine/Core/TextCharacters.h"
 
-#include <QCollator>
 #include <QDir>
-#include <QDirIterator>
 #include <QFileInfo>
-#include <algorithm>
 
 namespace velmo::editor {
 
+static constexpr int rescanDelayMs = 350;
+
+QString standardizedPath(const QUrl& url)
+{
+    return QDir::cleanPath(url.toLocalFile());
+}
+
 QString canonicalPath(const QUrl& url)
 {
-    const QString path = QDir::cleanPath(url.toLocalFile());
+    const QString path = standardizedPath(url);
     const QString canonical = QFileInfo(path).canonicalFilePath();
     if (!canonical.isEmpty())
         return canonical;
@@ -22,10 +28,43 @@ QString canonicalPath(const QUrl& url)
     return folder.isEmpty() ? path : folder + u'/' + info.fileName();
 }
 
+// At or below `folder`, by whole components.
+static bool isAtOrBelow(const QString& path, const QString& folder)
+{
+    if (!path.startsWith(folder))
+        return false;
+    return path.size() == folder.size() || path[folder.size()] == u'/' || folder.endsWith(u'/');
+}
+
+Workspace::Workspace()
+{
+    m_rescanWork.setSingleShot(true);
+    m_rescanWork.setInterval(rescanDelayMs);
+    connect(&m_rescanWork, &QTimer::timeout, this, &Workspace::rescan);
+}
+
+Workspace::~Workspace() = default;
+
+void Workspace::bumpContentGeneration()
+{
+    ++m_contentGeneration;
+    emit changed();
+}
+
+void Workspace::setFilter(const QString& filter)
+{
+    if (filter == m_filter)
+        return;
+    m_filter = filter;
+    emit treeChanged();
+    emit changed();
+}
+
 void Workspace::open(const QUrl& url)
 {
-    const QString path = QDir::cleanPath(url.toLocalFile());
-    if (!QFileInfo(path).isReadable()) {
+    const QString path = standardizedPath(url);
+    const QFileInfo info(path);
+    if (!info.isReadable() || !info.isDir()) {
         m_lastError = "Velmo cannot read " + path + ".";
         emit changed();
         return;
@@ -34,17 +73,25 @@ void Workspace::open(const QUrl& url)
     m_lastError.reset();
     m_selection.reset();
     m_expanded = {path};
+    m_order = WorkspaceOrder::load(*m_root);
     rescan();
+    startWatching(*m_root);
 }
 
 void Workspace::close()
 {
+    startWatching(QUrl()); // stops the watcher
+    m_rescanWork.stop();
     m_root.reset();
-    m_notes.clear();
     m_selection.reset();
+    m_tree = {};
+    m_notes.clear();
     m_expanded.clear();
     m_lastError.reset();
+    m_filter.clear();
+    m_order = {};
     ++m_contentGeneration;
+    emit treeChanged();
     emit changed();
 }
 
@@ -52,25 +99,20 @@ void Workspace::rescan()
 {
     if (!m_root)
         return;
+    m_isLoading = true;
+    m_tree = WorkspaceTree::build(*m_root, WorkspaceTree::defaultMaxDepth, m_order);
+    const auto files = WorkspaceTree::files(m_tree);
     std::vector<MarkdownFile> notes;
-    // Hidden entries are skipped and symlinked folders are not followed, so no cycle can form.
-    QDirIterator it(m_root->toLocalFile(), QDir::Files | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        const QString path = it.next();
-        MarkdownFile file = MarkdownFile::atPath(path);
-        if (file.isMarkdown())
-            notes.push_back(std::move(file));
-    }
-    QCollator collator;
-    collator.setNumericMode(true);
-    collator.setCaseSensitivity(Qt::CaseInsensitive);
-    std::sort(notes.begin(), notes.end(), [&](const MarkdownFile& a, const MarkdownFile& b) {
-        return collator.compare(relativePath(a.url()), relativePath(b.url())) < 0;
-    });
+    notes.reserve(files.size());
+    for (const WorkspaceNode* file : files)
+        notes.push_back(file->file());
     m_notes = std::move(notes);
     ++m_contentGeneration;
-    if (m_selection && !QFileInfo::exists(m_selection->toLocalFile()))
+    m_isLoading = false;
+    if (m_selection && !QFileInfo(standardizedPath(*m_selection)).exists() && !QFileInfo(standardizedPath(*m_selection)).isSymLink())
         m_selection.reset();
+    refreshCloudStates();
+    emit treeChanged();
     emit changed();
 }
 
@@ -79,36 +121,147 @@ QString Workspace::displayName() const
     return m_root ? QFileInfo(m_root->toLocalFile()).fileName() : QStringLiteral("Velmo");
 }
 
-void Workspace::select(const std::optional<QUrl>& url)
+std::optional<WorkspaceNode> Workspace::filteredTree() const
 {
-    if (m_selection == url)
+    if (!m_root)
+        return std::nullopt;
+    return WorkspaceTree::filtered(m_tree, m_filter);
+}
+
+bool Workspace::isExpanded(const QUrl& url) const
+{
+    return m_expanded.contains(standardizedPath(url));
+}
+
+void Workspace::setExpanded(const QUrl& url, bool expanded)
+{
+    const QString path = standardizedPath(url);
+    if (m_expanded.contains(path) == expanded)
         return;
-    m_selection = url;
+    if (expanded)
+        m_expanded.insert(path);
+    else
+        m_expanded.remove(path);
     emit changed();
 }
 
-void Workspace::noteWrittenHere(const QUrl&)
+void Workspace::expandAncestors(const QUrl& url)
 {
+    if (!m_root)
+        return;
+    const QString root = standardizedPath(*m_root);
+    QString folder = QFileInfo(standardizedPath(url)).path();
+    if (!isAtOrBelow(folder, root))
+        return;
+    bool grew = false;
+    // Walks up from the parent to the root: at most the path's length in steps.
+    while (true) {
+        if (!m_expanded.contains(folder)) {
+            m_expanded.insert(folder);
+            grew = true;
+        }
+        if (folder.size() <= root.size())
+            break;
+        folder = QFileInfo(folder).path();
+    }
+    if (grew)
+        emit changed();
+}
+
+void Workspace::collapseAll()
+{
+    QSet<QString> kept;
+    if (m_root)
+        kept.insert(standardizedPath(*m_root));
+    if (kept == m_expanded)
+        return;
+    m_expanded = kept;
+    emit changed();
+}
+
+void Workspace::select(const std::optional<QUrl>& url)
+{
+    const std::optional<QUrl> standardized = url ? std::optional(QUrl::fromLocalFile(standardizedPath(*url))) : std::nullopt;
+    const QSet<QString> before = m_expanded;
+    if (standardized && m_root && WorkspaceTree::find(*standardized, m_tree)) {
+        const QSignalBlocker quiet(this); // one notification for the whole change
+        expandAncestors(*standardized);
+    }
+    if (m_selection == standardized && before == m_expanded)
+        return;
+    m_selection = standardized;
+    emit changed();
+}
+
+QList<WorkspaceFolder> Workspace::folders() const
+{
+    if (!m_root)
+        return {};
+    return WorkspaceFolder::listing(m_tree, *m_root);
 }
 
 bool Workspace::contains(const QUrl& url) const
 {
-    if (!m_root)
+    if (!m_root || !url.isLocalFile())
         return false;
-    const QString root = canonicalPath(*m_root);
-    const QString path = canonicalPath(url);
-    return path == root || path.startsWith(root + u'/');
+    return isAtOrBelow(canonicalPath(url), canonicalPath(*m_root));
+}
+
+bool Workspace::containsEntry(const QUrl& url) const
+{
+    if (!m_root || !url.isLocalFile())
+        return false;
+    const QString path = standardizedPath(url);
+    if (path == standardizedPath(*m_root))
+        return false; // the root is no entry of itself
+    return contains(QUrl::fromLocalFile(QFileInfo(path).path()));
+}
+
+int Workspace::depth(const QUrl& url) const
+{
+    if (!m_root)
+        return -1;
+    const QString root = standardizedPath(*m_root);
+    const QString path = standardizedPath(url);
+    if (!isAtOrBelow(path, root))
+        return -1;
+    if (path.size() == root.size())
+        return 0;
+    return int(QStringView(path).mid(root.size()).count(u'/')) + (root.endsWith(u'/') ? 1 : 0);
 }
 
 QString Workspace::relativePath(const QUrl& url) const
 {
-    const QString path = QDir::cleanPath(url.toLocalFile());
-    if (m_root) {
-        const QString root = QDir::cleanPath(m_root->toLocalFile());
-        if (path.startsWith(root + u'/'))
-            return path.mid(root.size() + 1);
+    if (!m_root)
+        return QFileInfo(standardizedPath(url)).fileName();
+    return WorkspaceFile::relativePathOf(url, *m_root);
+}
+
+std::optional<QUrl> Workspace::creationDirectory() const
+{
+    if (!m_root)
+        return std::nullopt;
+    if (m_selection) {
+        const QString path = standardizedPath(*m_selection);
+        const QFileInfo info(path);
+        const QString folder = info.isDir() ? path : info.path();
+        if (const auto destination = directoryDestination(QUrl::fromLocalFile(folder));
+            destination && QFileInfo(destination->toLocalFile()).isDir())
+            return destination;
     }
-    return QFileInfo(path).fileName();
+    return m_root;
+}
+
+std::optional<QUrl> Workspace::directoryDestination(const QUrl& url) const
+{
+    if (!m_root || !url.isLocalFile())
+        return std::nullopt;
+    const QString root = canonicalPath(*m_root);
+    const QString path = canonicalPath(url);
+    if (!isAtOrBelow(path, root))
+        return std::nullopt;
+    const QString rest = path.mid(root.size());
+    return QUrl::fromLocalFile(QDir::cleanPath(standardizedPath(*m_root) + u'/' + rest));
 }
 
 QString Workspace::uniqueName(const QString& name, const QString& extension, const std::optional<QUrl>& folder) const
@@ -119,10 +272,33 @@ QString Workspace::uniqueName(const QString& name, const QString& extension, con
         base = QStringLiteral("Untitled");
     const QString suffix = extension.isEmpty() ? QString() : u'.' + extension;
     const QDir dir(directory);
+    // A dangling symlink also takes the name: exists() alone would not see it.
+    const auto taken = [&](const QString& candidate) {
+        const QFileInfo info(dir.filePath(candidate));
+        return info.exists() || info.isSymLink();
+    };
     QString candidate = base + suffix;
-    for (int n = 2; QFileInfo::exists(dir.filePath(candidate)); ++n)
+    for (int n = 2; taken(candidate); ++n)
         candidate = base + u' ' + QString::number(n) + suffix;
     return candidate;
 }
+
+// ---- Change detection hooks. The watcher and the record of own writes are added with change
+// detection; until then these stay simple. ----
+
+void Workspace::startWatching(const QUrl&)
+{
+}
+
+void Workspace::scheduleRescan()
+{
+    m_rescanWork.start(); // restarting cancels the pending one
+}
+
+void Workspace::noteWrittenHere(const QUrl&)
+{
+}
+
+// ---- end of change detection hooks ----
 
 }
