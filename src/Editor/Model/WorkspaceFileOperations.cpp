@@ -15,6 +15,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QStandardPaths>
 
 #include <cerrno>
 #include <cstdio>
@@ -308,9 +309,11 @@ void Workspace::deleteItem(const QUrl& url)
     if (!occupied(path))
         throw MarkdownFileError::missing();
     const bool isDirectory = isRealDirectory(path);
-    // moveToTrash renames within one file system; where no Trash can be had it fails, and
-    // then nothing has been touched.
-    if (!QFile::moveToTrash(path))
+    // QFile::moveToTrash falls back to the current directory when the home Trash cannot be
+    // made, so that Trash must stand before it is asked; across file systems it fails.
+    const QString homeTrash = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/Trash";
+    const bool trashReady = QDir().mkpath(homeTrash + "/files") && QDir().mkpath(homeTrash + "/info");
+    if (!trashReady || !QFile::moveToTrash(path))
         throw MarkdownFileError::io(QCoreApplication::translate("Localized", "“%1” could not be moved to the Trash.")
                                         .arg(lastComponent(path)));
     dropState(path, isDirectory);

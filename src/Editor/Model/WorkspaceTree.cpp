@@ -13,6 +13,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QLocale>
 #include <algorithm>
 #include <cstring>
 #include <memory>
@@ -41,10 +42,14 @@ struct CollatorDeleter {
 using Collator = std::unique_ptr<UCollator, CollatorDeleter>;
 
 // Numeric, secondary strength: digits compare as numbers, case is ignored, accents are not.
+// The user's language orders the letters; the C locale gets the root order, since ICU's
+// POSIX collation sorts by code point and so puts "B" before "a".
 Collator makeCollator()
 {
+    const QLocale locale;
+    const QByteArray name = locale.language() == QLocale::C ? QByteArray("root") : locale.name().toLatin1();
     UErrorCode status = U_ZERO_ERROR;
-    Collator collator(ucol_open(nullptr, &status));
+    Collator collator(ucol_open(name.constData(), &status));
     if (U_FAILURE(status))
         return nullptr;
     ucol_setAttribute(collator.get(), UCOL_NUMERIC_COLLATION, UCOL_ON, &status);
@@ -193,8 +198,12 @@ private:
     {
         if (entries.size() < 2)
             return;
-        for (Entry& entry : entries)
-            entry.key = sortKey(m_collator.get(), entry.name);
+        // Files sort by the name without its extension, so "Ideas.md" comes before
+        // "Ideas 2.md" (a space sorts before a dot); equal names fall back to the full name.
+        for (Entry& entry : entries) {
+            const qsizetype dot = entry.isDirectory ? -1 : entry.name.lastIndexOf(u'.');
+            entry.key = sortKey(m_collator.get(), dot > 0 ? entry.name.left(dot) : entry.name);
+        }
         std::sort(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) {
             if (a.isDirectory != b.isDirectory)
                 return a.isDirectory;
