@@ -1,12 +1,12 @@
 #include "MainWindow.h"
 
 #include "PlainNoteEditor.h"
+#include "Sidebar.h"
 #include "Velmo/AppState.h"
 
 #include <QCloseEvent>
 #include <QFileDialog>
 #include <QLabel>
-#include <QListWidget>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QSplitter>
@@ -20,9 +20,9 @@ MainWindow::MainWindow(app::AppState& state, QWidget* parent)
 {
     resize(1100, 720);
     auto* splitter = new QSplitter(this);
-    m_notes = new QListWidget(splitter);
+    m_sidebar = new Sidebar(state, splitter);
     m_editor = new PlainNoteEditor(splitter);
-    splitter->addWidget(m_notes);
+    splitter->addWidget(m_sidebar);
     splitter->addWidget(m_editor);
     splitter->setStretchFactor(1, 1);
     splitter->setSizes({260, 840});
@@ -33,12 +33,6 @@ MainWindow::MainWindow(app::AppState& state, QWidget* parent)
 
     buildMenus();
 
-    connect(m_notes, &QListWidget::itemActivated, this, [this](QListWidgetItem* item) {
-        m_state.open(item->data(Qt::UserRole).toUrl(), true);
-    });
-    connect(m_notes, &QListWidget::itemClicked, this, [this](QListWidgetItem* item) {
-        m_state.open(item->data(Qt::UserRole).toUrl(), true);
-    });
     connect(m_editor, &QPlainTextEdit::textChanged, this, [this] {
         if (m_loadingEditor || m_editor->isComposing())
             return;
@@ -53,12 +47,10 @@ MainWindow::MainWindow(app::AppState& state, QWidget* parent)
         if (app::OpenDocument* document = m_state.activeDocument())
             document->setCaret(m_editor->selectionStart());
     });
-    connect(&m_state.workspace(), &editor::Workspace::changed, this, &MainWindow::refreshNotes);
     connect(&m_state, &app::AppState::activeDocumentChanged, this, &MainWindow::showActiveDocument);
     connect(&m_state, &app::AppState::changed, this, &MainWindow::refreshStatus);
     connect(&m_state, &app::AppState::alertChanged, this, &MainWindow::showAlert);
 
-    refreshNotes();
     showActiveDocument();
     refreshStatus();
 }
@@ -71,7 +63,24 @@ void MainWindow::buildMenus()
         if (app::OpenDocument* document = m_state.activeDocument())
             m_state.save(document, true);
     });
+    file->addAction(tr("Save As…"), QKeySequence::SaveAs, this, &MainWindow::saveActiveAs);
     file->addAction(tr("Close"), QKeySequence::Close, this, [this] { m_state.goHome(); });
+    file->addSeparator();
+    file->addAction(tr("New Note"), QKeySequence::New, this, [this] { m_state.newNote(QString()); });
+    file->addAction(tr("New Folder"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_N), this, [this] {
+        if (const auto folder = m_state.newFolder(QString()))
+            m_sidebar->beginRename(*folder);
+    });
+    file->addAction(tr("Rename Note…"), this, [this] {
+        if (const app::OpenDocument* document = m_state.activeDocument())
+            m_sidebar->beginRename(document->url());
+    });
+    file->addAction(tr("Duplicate Note"), this, [this] {
+        if (const app::OpenDocument* document = m_state.activeDocument())
+            m_state.duplicate(document->url());
+    });
+    file->addAction(tr("Move Note to Trash"), this, [this] { m_state.deleteActive(); });
+    file->addAction(tr("Filter Notes"), QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_F), m_sidebar, &Sidebar::focusFilter);
     file->addSeparator();
     file->addAction(tr("Quit"), QKeySequence::Quit, this, &QWidget::close);
 
@@ -92,16 +101,17 @@ void MainWindow::chooseFolder()
         m_state.openWorkspace(QUrl::fromLocalFile(folder));
 }
 
-void MainWindow::refreshNotes()
+void MainWindow::saveActiveAs()
 {
-    const editor::Workspace& workspace = m_state.workspace();
-    m_notes->clear();
-    for (const editor::MarkdownFile& note : workspace.notes()) {
-        auto* item = new QListWidgetItem(workspace.relativePath(note.url()), m_notes);
-        item->setData(Qt::UserRole, note.url());
-        if (workspace.selection() == note.url())
-            m_notes->setCurrentItem(item);
-    }
+    app::OpenDocument* document = m_state.activeDocument();
+    if (!document)
+        return;
+    QFileDialog dialog(this, tr("Save As"), document->url().toLocalFile());
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setDefaultSuffix("md");
+    dialog.setNameFilters({tr("Markdown (*.md *.markdown *.mdown *.mkd *.mdx *.txt)")});
+    if (dialog.exec() == QDialog::Accepted && !dialog.selectedUrls().isEmpty())
+        m_state.saveAs(document, dialog.selectedUrls().first());
 }
 
 void MainWindow::showActiveDocument()

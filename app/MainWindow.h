@@ -3,7 +3,6 @@
 #include <QMainWindow>
 
 class QLabel;
-class QListWidget;
 
 namespace velmo::app {
 class AppState;
@@ -12,6 +11,7 @@ class AppState;
 namespace velmo::ui {
 
 class PlainNoteEditor;
+class Sidebar;
 
 // The window around the application state: the notes of the folder, the open note, a status bar.
 class MainWindow : public QMainWindow {
@@ -25,14 +25,14 @@ protected:
 
 private:
     void buildMenus();
-    void refreshNotes();
     void showActiveDocument();
     void refreshStatus();
     void showAlert();
     void chooseFolder();
+    void saveActiveAs();
 
     app::AppState& m_state;
-    QListWidget* m_notes = nullptr;
+    Sidebar* m_sidebar = nullptr;
     PlainNoteEditor* m_editor = nullptr;
     QLabel* m_statistics = nullptr;
     bool m_loadingEditor = false;
