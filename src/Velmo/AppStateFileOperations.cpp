@@ -156,6 +156,8 @@ bool AppState::rename(const QUrl& url, const QString& name)
 
     const QString oldName = QFileInfo(pathOf(source)).completeBaseName();
     const QString newName = QFileInfo(pathOf(destination)).completeBaseName();
+    // Paired before the move: afterwards the old paths can no longer be resolved.
+    const auto pairs = followers(m_documents, source, destination);
     const bool renamed = attempt(*this, [&] {
         m_workspace.rename(source, destination);
         if (!isFile || !MarkdownFile(destination).isMarkdown())
@@ -164,6 +166,7 @@ bool AppState::rename(const QUrl& url, const QString& name)
         const MarkdownFile file(destination);
         try {
             const QString text = own ? own->text() : file.read(true);
+            m_workspace.noteWrittenHere(destination);
             file.write(retitled(text, oldName, newName, nullptr));
         } catch (const MarkdownFileError&) {
             m_workspace.rename(destination, source);
@@ -180,8 +183,7 @@ bool AppState::rename(const QUrl& url, const QString& name)
         own->acceptSavedContents(text, caret);
     }
     retargetSessionPaths(m_session, pathOf(source), pathOf(destination));
-    retargetDocuments(followers(m_documents, source, destination));
-    m_workspace.noteWrittenHere(destination);
+    retargetDocuments(pairs);
     scheduleSessionSave();
     return true;
 }
@@ -266,11 +268,18 @@ static std::optional<QUrl> moving(AppState& state, const QUrl& url, const QUrl& 
     if (below.size() == 1 && !QFileInfo(pathOf(source)).isDir())
         source = below.front()->url(); // saving may have renamed the note after its first line
     QUrl destination;
-    if (!attempt(state, [&] { destination = workspace.move(source, folder); }))
+    std::vector<std::pair<OpenDocument*, QUrl>> pairs;
+    const bool moved = attempt(state, [&] {
+        destination = workspace.moveDestination(source, folder);
+        // Paired before the move: afterwards the old paths can no longer be resolved.
+        pairs = followers(state.documents(), source, destination);
+        destination = workspace.move(source, folder);
+    });
+    if (!moved)
         return std::nullopt;
     if (pathOf(destination) != pathOf(source)) {
         retargetSessionPaths(state.session(), pathOf(source), pathOf(destination));
-        state.retargetDocuments(followers(state.documents(), source, destination));
+        state.retargetDocuments(pairs);
         workspace.select(destination);
     }
     state.setStatusMessage(AppState::tr("Moved %1").arg(QFileInfo(pathOf(destination)).fileName()));

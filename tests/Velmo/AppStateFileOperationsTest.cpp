@@ -199,3 +199,21 @@ TEST_F(FileOperationsTest, sidebarDropsMovePlaceAndImport)
     EXPECT_FALSE(state.receiveSidebarDrop({url("b.md")}, QUrl::fromLocalFile(outside.path()), std::nullopt, false));
     expectReported("Move notes within the open folder.");
 }
+
+TEST(FileOperationsThroughALink, openNotesFollowTheirFolder)
+{
+    QTemporaryDir dir;
+    QDir(dir.path()).mkpath("real/Folder");
+    writeBytes(dir.filePath("real/Folder/n.md"), "# n\n");
+    ASSERT_TRUE(QFile::link(dir.filePath("real"), dir.filePath("link")));
+    AppState state(std::make_unique<velmo::editor::EditorSettings>(), false);
+    const QString root = dir.filePath("link");
+    state.openWorkspace(QUrl::fromLocalFile(root));
+    OpenDocument* document = state.open(QUrl::fromLocalFile(root + "/Folder/n.md"), true);
+    ASSERT_TRUE(document);
+    ASSERT_TRUE(state.rename(QUrl::fromLocalFile(root + "/Folder"), "Renamed"));
+    EXPECT_EQ(document->url(), QUrl::fromLocalFile(root + "/Renamed/n.md"));
+    ASSERT_TRUE(state.workspace().createFolder("Target").isValid());
+    ASSERT_TRUE(state.move(QUrl::fromLocalFile(root + "/Renamed"), QUrl::fromLocalFile(root + "/Target")));
+    EXPECT_EQ(document->url(), QUrl::fromLocalFile(root + "/Target/Renamed/n.md"));
+}
