@@ -119,6 +119,12 @@ TEST(WorkspaceTree, filterKeepsMatchesAndTheirFolders)
         EXPECT_EQ(dumpChildren(*filtered), c.expected) << c.filter;
     }
     EXPECT_FALSE(WorkspaceTree::filtered(tree, u"zzz"));
+
+    QTemporaryDir other;
+    layOut(other.path(), {QString::fromUtf8("Été.md"), "ete.md", QString::fromUtf8("ÉTUDE.md")});
+    const WorkspaceNode accents = WorkspaceTree::build(QUrl::fromLocalFile(other.path()));
+    EXPECT_EQ(dumpChildren(*WorkspaceTree::filtered(accents, QString::fromUtf8("ÉT"))), QString::fromUtf8("Été.md ÉTUDE.md"));
+    EXPECT_EQ(dumpChildren(*WorkspaceTree::filtered(accents, u"et")), "ete.md");
 }
 
 TEST(WorkspaceTree, findsNodesByPath)

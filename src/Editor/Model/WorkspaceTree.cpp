@@ -244,12 +244,27 @@ WorkspaceNode WorkspaceTree::build(const QUrl& root, int maxDepth, const Workspa
     return node;
 }
 
+static bool isAscii(QStringView text)
+{
+    return std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 0x80; });
+}
+
+// Whether the lower-cased name contains the (lower-cased) needle. For ASCII, lower-casing and
+// a case-insensitive search agree, and the search needs no copy: typing in the filter field
+// runs this over every row.
+static bool nameContains(QStringView name, const QString& needle, bool asciiNeedle)
+{
+    if (asciiNeedle && isAscii(name))
+        return name.contains(needle, Qt::CaseInsensitive);
+    return name.toString().toLower().contains(needle);
+}
+
 // The trees these walk come from the scanner, whose depth is bounded, so recursion is safe.
-static std::optional<WorkspaceNode> filteredNode(const WorkspaceNode& node, const QString& needle)
+static std::optional<WorkspaceNode> filteredNode(const WorkspaceNode& node, const QString& needle, bool asciiNeedle)
 {
     const QStringView path = node.path();
     const QStringView name = path.mid(path.lastIndexOf(u'/') + 1);
-    const bool nameMatches = name.toString().toLower().contains(needle);
+    const bool nameMatches = nameContains(name, needle, asciiNeedle);
     if (!node.isDirectory()) {
         if (!nameMatches)
             return std::nullopt;
@@ -257,7 +272,7 @@ static std::optional<WorkspaceNode> filteredNode(const WorkspaceNode& node, cons
     }
     std::vector<WorkspaceNode> survivors;
     for (const WorkspaceNode& child : node.children()) {
-        if (auto kept = filteredNode(child, needle))
+        if (auto kept = filteredNode(child, needle, asciiNeedle))
             survivors.push_back(std::move(*kept));
     }
     if (survivors.empty() && !nameMatches)
@@ -276,7 +291,7 @@ std::optional<WorkspaceNode> WorkspaceTree::filtered(const WorkspaceNode& node, 
     const QString needle = text.mid(start, end - start).toString().toLower();
     if (needle.isEmpty())
         return node;
-    return filteredNode(node, needle);
+    return filteredNode(node, needle, isAscii(needle));
 }
 
 std::vector<const WorkspaceNode*> WorkspaceTree::files(const WorkspaceNode& node)
