@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QPointer>
 #include <QSplitter>
 #include <QStatusBar>
 
@@ -32,6 +33,13 @@ MainWindow::MainWindow(app::AppState& state, QWidget* parent)
     m_state.editor().textView = m_editor;
 
     buildMenus();
+    // The state outlives the window: a picker asked for after it is gone answers nothing.
+    m_state.workspace().setFolderPanel([window = QPointer<MainWindow>(this)](const QString& title) -> std::optional<QUrl> {
+        if (!window)
+            return std::nullopt;
+        const QString folder = QFileDialog::getExistingDirectory(window, title);
+        return folder.isEmpty() ? std::nullopt : std::optional(QUrl::fromLocalFile(folder));
+    });
 
     connect(m_editor, &QPlainTextEdit::textChanged, this, [this] {
         if (m_loadingEditor || m_editor->isComposing())
@@ -96,7 +104,7 @@ void MainWindow::buildMenus()
 
 void MainWindow::chooseFolder()
 {
-    const QString folder = QFileDialog::getExistingDirectory(this, tr("Choose a folder of notes for Velmo."));
+    const QString folder = QFileDialog::getExistingDirectory(this, editor::Workspace::folderPanelTitle());
     if (!folder.isEmpty())
         m_state.openWorkspace(QUrl::fromLocalFile(folder));
 }

@@ -49,7 +49,7 @@ static void BM_TreeBuild(benchmark::State& state)
     for (auto _ : state)
         benchmark::DoNotOptimize(WorkspaceTree::build(root));
 }
-BENCHMARK(BM_TreeBuild)->Arg(10000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_TreeBuild)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 
 static void BM_FilteredTree(benchmark::State& state)
 {

@@ -4,6 +4,7 @@
 #include "Editor/Model/WorkspaceTree.h"
 #include "MarkdownEngine/Core/TextCharacters.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 
@@ -78,6 +79,19 @@ void Workspace::open(const QUrl& url)
     startWatching(*m_root);
 }
 
+QString Workspace::folderPanelTitle()
+{
+    return QCoreApplication::translate("Localized", "Choose a folder of notes for Velmo.");
+}
+
+void Workspace::openWithPanel()
+{
+    if (!m_folderPanel)
+        return;
+    if (const auto choice = m_folderPanel(folderPanelTitle()))
+        open(*choice);
+}
+
 void Workspace::close()
 {
     startWatching(QUrl()); // stops the watcher
@@ -100,6 +114,10 @@ void Workspace::rescan()
     if (!m_root)
         return;
     m_isLoading = true;
+    // The old tree and list go first: with both generations alive at once, a large folder
+    // would need twice the memory for the length of a scan.
+    m_tree = {};
+    m_notes = {};
     m_tree = WorkspaceTree::build(*m_root, WorkspaceTree::defaultMaxDepth, m_order);
     const auto files = WorkspaceTree::files(m_tree);
     std::vector<MarkdownFile> notes;

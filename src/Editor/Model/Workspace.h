@@ -11,6 +11,7 @@
 #include <QString>
 #include <QTimer>
 #include <QUrl>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -47,6 +48,12 @@ public:
 
     // An unreadable folder sets `lastError` and changes nothing else.
     void open(const QUrl& url);
+    // Asks the shell's folder picker, titled "Choose a folder of notes for Velmo.", and opens
+    // the choice. Without a picker installed (no window system) nothing happens.
+    void openWithPanel();
+    using FolderPanel = std::function<std::optional<QUrl>(const QString& title)>;
+    void setFolderPanel(FolderPanel panel) { m_folderPanel = std::move(panel); }
+    static QString folderPanelTitle();
     void close();
     // Synchronous; nothing without a root.
     void rescan();
@@ -142,6 +149,7 @@ private:
     QString m_filter;
     WorkspaceOrder m_order;
     QTimer m_rescanWork;
+    FolderPanel m_folderPanel;
 };
 
 // The standardized path with symbolic links resolved; for a path that does not exist, its
