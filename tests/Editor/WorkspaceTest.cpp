@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -117,6 +118,14 @@ TEST_F(WorkspaceTest, openScansAndKeepsTheSelectionOnlyWhileItExists)
     EXPECT_EQ(workspace.creationDirectory(), url(""));
     workspace.collapseAll();
     EXPECT_EQ(workspace.expanded(), QSet<QString>{root});
+
+    // Rescans requested in a burst come as one, after the delay.
+    const quint64 generation = workspace.contentGeneration();
+    QSignalSpy rescans(&workspace, &Workspace::treeChanged);
+    workspace.scheduleRescan();
+    workspace.scheduleRescan();
+    EXPECT_TRUE(rescans.wait(2000));
+    EXPECT_EQ(workspace.contentGeneration(), generation + 1);
 
     workspace.setFilter("zzz");
     EXPECT_FALSE(workspace.filteredTree());
@@ -337,4 +346,8 @@ TEST_F(WorkspaceTest, importCopiesNotesAndFoldersFromOutside)
     EXPECT_EQ(readBytes(root + "/Ideas 2.md"), QByteArray("# Ideas\nfrom outside\n"));
     EXPECT_EQ(names(), "Folder/Deep/d.md Ideas.md Ideas 2.md");
     EXPECT_TRUE(QFileInfo::exists(outside + "/Ideas.md")); // a copy, not a move
+
+    // A folder that holds the workspace would be copied into itself without end.
+    EXPECT_EQ(failure([&] { workspace.importFiles({QUrl::fromLocalFile(dir.path())}, url("Folder")); }),
+              "A folder cannot be moved into itself or one of its subfolders.");
 }

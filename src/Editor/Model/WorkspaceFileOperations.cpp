@@ -389,10 +389,15 @@ QList<QUrl> Workspace::importFiles(const QList<QUrl>& urls, const QUrl& folder)
     if (!directory || !QFileInfo(directory->toLocalFile()).isDir())
         throw WorkspaceFileOperationError(Kind::notFolder);
     // Everything is checked before anything is copied.
+    const QString destinationResolved = canonicalPath(*directory);
     for (const QUrl& url : urls) {
         const QFileInfo info(standardizedPath(url));
         if (!url.isLocalFile() || !(info.isDir() || (info.isFile() && MarkdownFile(url).isMarkdown())))
             throw WorkspaceFileOperationError(Kind::unsupportedFile);
+        // A folder that holds the destination would grow while it is copied, without end.
+        const QString resolved = canonicalPath(url);
+        if (info.isDir() && (destinationResolved == resolved || destinationResolved.startsWith(resolved + u'/')))
+            throw WorkspaceFileOperationError(Kind::folderCycle);
     }
     const QString target = directory->toLocalFile();
     QList<QUrl> imported;
