@@ -336,6 +336,7 @@ TEST_F(WorkspaceTest, importCopiesNotesAndFoldersFromOutside)
     writeBytes(outside + "/Ideas.md", "# Ideas\nfrom outside\n");
     writeBytes(outside + "/Folder/Deep/d.md", "d");
     writeBytes(outside + "/picture.png", "png");
+    ASSERT_TRUE(QFile::link(".", outside + "/Folder/loop")); // a cycle the copy must not follow
 
     EXPECT_EQ(failure([&] {
         workspace.importFiles({QUrl::fromLocalFile(outside + "/Ideas.md"), QUrl::fromLocalFile(outside + "/picture.png")}, url(""));
@@ -346,6 +347,7 @@ TEST_F(WorkspaceTest, importCopiesNotesAndFoldersFromOutside)
     EXPECT_EQ(readBytes(root + "/Ideas 2.md"), QByteArray("# Ideas\nfrom outside\n"));
     EXPECT_EQ(names(), "Folder/Deep/d.md Ideas.md Ideas 2.md");
     EXPECT_TRUE(QFileInfo::exists(outside + "/Ideas.md")); // a copy, not a move
+    EXPECT_EQ(QFile::symLinkTarget(root + "/Folder/loop"), root + "/Folder");
 
     // A folder that holds the workspace would be copied into itself without end.
     EXPECT_EQ(failure([&] { workspace.importFiles({QUrl::fromLocalFile(dir.path())}, url("Folder")); }),

@@ -18,6 +18,7 @@
 #include <QStandardPaths>
 
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
@@ -85,16 +86,23 @@ void copyItem(const QString& from, const QString& to)
 {
     if (occupied(to))
         throw MarkdownFileError::notWritable(QFileInfo(to).fileName() + " already exists");
+    bool created = false; // only what this call made is ever removed again
     const auto fail = [&](const QString& what, int error) {
         const QString description = systemFailure(what, QCoreApplication::translate("Localized", "copied"), error);
-        removeCreated(to);
+        if (created)
+            removeCreated(to);
         throw MarkdownFileError::io(description);
     };
     const auto copyOne = [&](const QString& source, const QString& target) {
         const QFileInfo info(source);
         if (info.isSymLink()) {
-            if (!QFile::link(info.symLinkTarget(), target))
-                fail(source, EIO);
+            // The link's own text, so a relative link stays relative.
+            char buffer[PATH_MAX];
+            const ssize_t length = ::readlink(QFile::encodeName(source).constData(), buffer, sizeof buffer);
+            if (length < 0 || size_t(length) == sizeof buffer)
+                fail(source, length < 0 ? errno : ENAMETOOLONG);
+            if (::symlink(QByteArray(buffer, length).constData(), QFile::encodeName(target).constData()) != 0)
+                fail(target, errno);
         } else if (info.isDir()) {
             if (::mkdir(QFile::encodeName(target).constData(), 0777) != 0)
                 fail(target, errno);
@@ -107,6 +115,7 @@ void copyItem(const QString& from, const QString& to)
     if (!QFileInfo(from).exists() && !QFileInfo(from).isSymLink())
         throw MarkdownFileError::missing();
     copyOne(from, to);
+    created = true;
     if (!isRealDirectory(from))
         return;
     std::vector<std::pair<QString, QString>> pending{{from, to}};
