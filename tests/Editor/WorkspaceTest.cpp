@@ -221,6 +221,10 @@ TEST_F(WorkspaceTest, renameKeepsExtensionsAndRefusesTakenNames)
     EXPECT_EQ(failure([&] { workspace.rename(a, "b"); }), "Velmo cannot write to b.md already exists.");
     EXPECT_EQ(failure([&] { workspace.rename(a, "x/y"); }), MarkdownFileError::invalidName().message());
     EXPECT_EQ(failure([&] { workspace.rename(a, url("Sub/a.md")); }), "Move notes within the open folder.");
+    const QString outside = "Move notes within the open folder.";
+    EXPECT_EQ(failure([&] { workspace.rename(url(""), "other"); }), outside);
+    EXPECT_EQ(failure([&] { workspace.deleteItem(url("")); }), outside);
+    EXPECT_EQ(failure([&] { workspace.duplicate(url("")); }), outside);
     EXPECT_EQ(workspace.rename(a, "A"), url("A.md")); // a case-only change
     EXPECT_EQ(names(), "A.md b.md");
 }

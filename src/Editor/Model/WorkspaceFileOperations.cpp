@@ -144,6 +144,13 @@ QString lastComponent(const QString& path)
 
 }
 
+// The open folder itself is never renamed, copied or thrown away from inside itself.
+static void refuseRoot(const std::optional<QUrl>& root, const QUrl& url)
+{
+    if (root && standardizedPath(*root) == standardizedPath(url))
+        throw WorkspaceFileOperationError(Kind::outsideWorkspace);
+}
+
 QString Workspace::validName(const QString& name, const std::optional<QString>& fallback)
 {
     const QStringView trimmed = markdown::chars::trimmed(name);
@@ -231,6 +238,7 @@ QUrl Workspace::createFolder(const QString& name, const std::optional<QUrl>& in)
 
 QUrl Workspace::renameDestination(const QUrl& url, const QString& name) const
 {
+    refuseRoot(m_root, url);
     const QString valid = validName(name);
     const QString path = standardizedPath(url);
     QString fileName = valid;
@@ -267,6 +275,7 @@ QUrl Workspace::rename(const QUrl& url, const QString& name)
 
 QUrl Workspace::rename(const QUrl& url, const QUrl& to)
 {
+    refuseRoot(m_root, url);
     validateRenameDestination(url, to);
     const QString from = standardizedPath(url);
     const QString target = standardizedPath(to);
@@ -282,6 +291,7 @@ QUrl Workspace::rename(const QUrl& url, const QUrl& to)
 
 QUrl Workspace::duplicate(const QUrl& url)
 {
+    refuseRoot(m_root, url);
     const QString source = standardizedPath(url);
     const QFileInfo info(source);
     const bool isDirectory = info.isDir();
@@ -314,6 +324,7 @@ QUrl Workspace::duplicate(const QUrl& url)
 
 void Workspace::deleteItem(const QUrl& url)
 {
+    refuseRoot(m_root, url);
     const QString path = standardizedPath(url);
     if (!occupied(path))
         throw MarkdownFileError::missing();
