@@ -24,7 +24,7 @@ public:
     QUrl url() const { return QUrl::fromLocalFile(m_path); }
     const QString& id() const { return m_path; }
     QString name() const;
-    MarkdownFile file() const { return MarkdownFile::atPath(m_path); }
+    MarkdownFile file() const { return MarkdownFile::atStandardizedPath(m_path); }
     // For a symbolic link, whether its target is a folder.
     bool isDirectory() const { return m_isDirectory; }
     bool isSymbolicLink() const { return m_isSymbolicLink; }
