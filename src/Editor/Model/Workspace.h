@@ -117,7 +117,8 @@ public:
     static void validateRenameDestination(const QUrl& from, const QUrl& to);
 
     // ---- Change detection: the watcher lives in its own files; these three are its hooks. ----
-    // Restarts the watcher on `url`.
+    // Stops any watcher, forgets recorded own writes, and watches `url`; an empty URL (from
+    // `close`) only stops.
     void startWatching(const QUrl& url);
     // A rescan 0.35 s from now; a call within that time pushes it back.
     void scheduleRescan();
