@@ -11,6 +11,8 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 using namespace velmo::editor;
 
 inline void PrintTo(const QString& text, std::ostream* out)
@@ -341,10 +343,13 @@ TEST_F(WorkspaceTest, importCopiesNotesAndFoldersFromOutside)
     writeBytes(outside + "/Folder/Deep/d.md", "d");
     writeBytes(outside + "/picture.png", "png");
     ASSERT_TRUE(QFile::link(".", outside + "/Folder/loop")); // a cycle the copy must not follow
+    ASSERT_EQ(::mkfifo(QFile::encodeName(outside + "/Folder/pipe.md").constData(), 0600), 0); // would block a copy
 
-    EXPECT_EQ(failure([&] {
-        workspace.importFiles({QUrl::fromLocalFile(outside + "/Ideas.md"), QUrl::fromLocalFile(outside + "/picture.png")}, url(""));
-    }), "Drop a Markdown document or a folder of notes.");
+    for (const char* unsupported : {"/picture.png", "/Folder/pipe.md"}) {
+        EXPECT_EQ(failure([&] {
+            workspace.importFiles({QUrl::fromLocalFile(outside + "/Ideas.md"), QUrl::fromLocalFile(outside + unsupported)}, url(""));
+        }), "Drop a Markdown document or a folder of notes.");
+    }
     const auto imported = workspace.importFiles(
         {QUrl::fromLocalFile(outside + "/Ideas.md"), QUrl::fromLocalFile(outside + "/Folder")}, url(""));
     EXPECT_EQ(imported, (QList<QUrl>{url("Ideas 2.md"), url("Folder")}));

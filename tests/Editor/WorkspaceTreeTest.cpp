@@ -7,6 +7,8 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 using namespace velmo::editor;
 
 inline void PrintTo(const QString& text, std::ostream* out)
@@ -64,6 +66,7 @@ TEST(WorkspaceTree, listsNotesAndFoldersAsTheSidebarShowsThem)
         "Notes/z.markdown", "Notes/readme", "folder-link -> Notes", "note-link.md -> A.MD",
         "Notes/up -> ..", "gone.md -> missing.md",
     });
+    ASSERT_EQ(::mkfifo(QFile::encodeName(dir.filePath("pipe.md")).constData(), 0600), 0);
     const WorkspaceNode tree = WorkspaceTree::build(QUrl::fromLocalFile(dir.path()));
     // Folders first, then notes, digits compared as numbers and case ignored; a symlinked
     // folder is a childless row; a symlinked note is a note.

@@ -50,6 +50,12 @@ bool isRealDirectory(const QString& path)
     return ::lstat(QFile::encodeName(path).constData(), &st) == 0 && S_ISDIR(st.st_mode);
 }
 
+bool isRegularFile(const QString& path)
+{
+    struct stat st {};
+    return ::stat(QFile::encodeName(path).constData(), &st) == 0 && S_ISREG(st.st_mode);
+}
+
 // rename(2) that refuses to replace: a name taken between our check and the move is never
 // overwritten. File systems without the flag fall back to check-then-rename.
 void moveItem(const QString& from, const QString& to)
@@ -106,11 +112,11 @@ void copyItem(const QString& from, const QString& to)
         } else if (info.isDir()) {
             if (::mkdir(QFile::encodeName(target).constData(), 0777) != 0)
                 fail(target, errno);
-        } else {
+        } else if (isRegularFile(source)) {
             QFile file(source);
             if (!file.copy(target))
                 fail(source, info.isReadable() ? EIO : EACCES);
-        }
+        } // pipes, sockets and devices are left out: reading a pipe could block for ever
     };
     if (!QFileInfo(from).exists() && !QFileInfo(from).isSymLink())
         throw MarkdownFileError::missing();
@@ -412,7 +418,7 @@ QList<QUrl> Workspace::importFiles(const QList<QUrl>& urls, const QUrl& folder)
     const QString destinationResolved = canonicalPath(*directory);
     for (const QUrl& url : urls) {
         const QFileInfo info(standardizedPath(url));
-        if (!url.isLocalFile() || !(info.isDir() || (info.isFile() && MarkdownFile(url).isMarkdown())))
+        if (!url.isLocalFile() || !(info.isDir() || (isRegularFile(info.filePath()) && MarkdownFile(url).isMarkdown())))
             throw WorkspaceFileOperationError(Kind::unsupportedFile);
         // A folder that holds the destination would grow while it is copied, without end.
         const QString resolved = canonicalPath(url);

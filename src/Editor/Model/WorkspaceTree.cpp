@@ -170,18 +170,25 @@ private:
             const char* name = d->d_name;
             if (name[0] == '.')
                 continue; // hidden, and "." and ".."
-            bool isDirectory = d->d_type == DT_DIR;
-            bool isLink = d->d_type == DT_LNK;
-            if (d->d_type == DT_UNKNOWN) {
+            // Pipes, sockets and devices are no notes: reading one could block for ever.
+            unsigned char type = d->d_type;
+            if (type == DT_UNKNOWN) {
                 struct stat st {};
                 if (::fstatat(fd, name, &st, AT_SYMLINK_NOFOLLOW) != 0)
                     continue;
-                isDirectory = S_ISDIR(st.st_mode);
-                isLink = S_ISLNK(st.st_mode);
+                type = S_ISDIR(st.st_mode) ? DT_DIR : S_ISLNK(st.st_mode) ? DT_LNK : S_ISREG(st.st_mode) ? DT_REG : DT_FIFO;
             }
+            bool isDirectory = type == DT_DIR;
+            const bool isLink = type == DT_LNK;
             if (isLink) {
                 struct stat target {};
-                isDirectory = ::fstatat(fd, name, &target, 0) == 0 && S_ISDIR(target.st_mode);
+                if (::fstatat(fd, name, &target, 0) == 0) {
+                    isDirectory = S_ISDIR(target.st_mode);
+                    if (!isDirectory && !S_ISREG(target.st_mode))
+                        continue;
+                } // a dangling link stays: it is shown, and opening it says the file is gone
+            } else if (type != DT_DIR && type != DT_REG) {
+                continue;
             }
             if (!isDirectory && !hasMarkdownExtension(name))
                 continue;
