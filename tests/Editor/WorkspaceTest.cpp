@@ -304,6 +304,11 @@ TEST_F(WorkspaceTest, placeWritesTheManualOrder)
     EXPECT_EQ(names(), "Sub/x.md see.md b.md a.md");
     workspace.deleteItem(url("see.md"));
     EXPECT_EQ(workspace.order().folders.value(""), (QStringList{"Sub", "b.md", "a.md"}));
+    // A note moved away leaves its old folder's list and arrives in its sorted place.
+    workspace.move(url("a.md"), url("Sub"));
+    EXPECT_EQ(workspace.order().folders.value(""), (QStringList{"Sub", "b.md"}));
+    EXPECT_EQ(names(), "Sub/a.md Sub/x.md b.md");
+    workspace.move(url("Sub/a.md"), url(""));
 
     // An order that cannot be saved stays in memory and says why.
     QDir(root + "/.velmo").removeRecursively();
