@@ -2,14 +2,15 @@
 
 #include "ConflictDialog.h"
 #include "PlainNoteEditor.h"
+#include "Sidebar.h"
 #include "Velmo/AppState.h"
 
 #include <QCloseEvent>
 #include <QFileDialog>
 #include <QLabel>
-#include <QListWidget>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QPointer>
 #include <QSplitter>
 #include <QStatusBar>
 
@@ -21,10 +22,9 @@ MainWindow::MainWindow(app::AppState& state, QWidget* parent)
 {
     resize(1100, 720);
     auto* splitter = new QSplitter(this);
-    m_notes = new QListWidget(splitter);
-    m_notes->setUniformItemSizes(true); // a folder of thousands of notes lays out in one step
+    m_sidebar = new Sidebar(state, splitter);
     m_editor = new PlainNoteEditor(splitter);
-    splitter->addWidget(m_notes);
+    splitter->addWidget(m_sidebar);
     splitter->addWidget(m_editor);
     splitter->setStretchFactor(1, 1);
     splitter->setSizes({260, 840});
@@ -34,13 +34,14 @@ MainWindow::MainWindow(app::AppState& state, QWidget* parent)
     m_state.editor().textView = m_editor;
 
     buildMenus();
+    // The state outlives the window: a picker asked for after it is gone answers nothing.
+    m_state.workspace().setFolderPanel([window = QPointer<MainWindow>(this)](const QString& title) -> std::optional<QUrl> {
+        if (!window)
+            return std::nullopt;
+        const QString folder = QFileDialog::getExistingDirectory(window, title);
+        return folder.isEmpty() ? std::nullopt : std::optional(QUrl::fromLocalFile(folder));
+    });
 
-    connect(m_notes, &QListWidget::itemActivated, this, [this](QListWidgetItem* item) {
-        m_state.open(item->data(Qt::UserRole).toUrl(), true);
-    });
-    connect(m_notes, &QListWidget::itemClicked, this, [this](QListWidgetItem* item) {
-        m_state.open(item->data(Qt::UserRole).toUrl(), true);
-    });
     connect(m_editor, &QPlainTextEdit::textChanged, this, [this] {
         if (m_loadingEditor || m_editor->isComposing())
             return;
@@ -55,14 +56,12 @@ MainWindow::MainWindow(app::AppState& state, QWidget* parent)
         if (app::OpenDocument* document = m_state.activeDocument())
             document->setCaret(m_editor->selectionStart());
     });
-    connect(&m_state.workspace(), &editor::Workspace::changed, this, &MainWindow::refreshNotes);
     connect(&m_state, &app::AppState::activeDocumentChanged, this, &MainWindow::showActiveDocument);
     connect(&m_state, &app::AppState::changed, this, &MainWindow::refreshStatus);
     connect(&m_state, &app::AppState::alertChanged, this, &MainWindow::showAlert);
     connect(&m_state, &app::AppState::syncConflictChanged, this, &MainWindow::showConflict);
     connect(&m_state, &app::AppState::changed, this, &MainWindow::synchronizeEditor);
 
-    refreshNotes();
     showActiveDocument();
     refreshStatus();
 }
@@ -75,7 +74,24 @@ void MainWindow::buildMenus()
         if (app::OpenDocument* document = m_state.activeDocument())
             m_state.save(document, true);
     });
+    file->addAction(tr("Save As…"), QKeySequence::SaveAs, this, &MainWindow::saveActiveAs);
     file->addAction(tr("Close"), QKeySequence::Close, this, [this] { m_state.goHome(); });
+    file->addSeparator();
+    file->addAction(tr("New Note"), QKeySequence::New, this, [this] { m_state.newNote(QString()); });
+    file->addAction(tr("New Folder"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_N), this, [this] {
+        if (const auto folder = m_state.newFolder(QString()))
+            m_sidebar->beginRename(*folder);
+    });
+    file->addAction(tr("Rename Note…"), this, [this] {
+        if (const app::OpenDocument* document = m_state.activeDocument())
+            m_sidebar->beginRename(document->url());
+    });
+    file->addAction(tr("Duplicate Note"), this, [this] {
+        if (const app::OpenDocument* document = m_state.activeDocument())
+            m_state.duplicate(document->url());
+    });
+    file->addAction(tr("Move Note to Trash"), this, [this] { m_state.deleteActive(); });
+    file->addAction(tr("Filter Notes"), QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_F), m_sidebar, &Sidebar::focusFilter);
     file->addSeparator();
     file->addAction(tr("Quit"), QKeySequence::Quit, this, &QWidget::close);
 
@@ -91,28 +107,22 @@ void MainWindow::buildMenus()
 
 void MainWindow::chooseFolder()
 {
-    const QString folder = QFileDialog::getExistingDirectory(this, tr("Choose a folder of notes for Velmo."));
+    const QString folder = QFileDialog::getExistingDirectory(this, editor::Workspace::folderPanelTitle());
     if (!folder.isEmpty())
         m_state.openWorkspace(QUrl::fromLocalFile(folder));
 }
 
-void MainWindow::refreshNotes()
+void MainWindow::saveActiveAs()
 {
-    const editor::Workspace& workspace = m_state.workspace();
-    m_notes->clear();
-    // All rows in one insertion: one per note would notify the view ten thousand times.
-    QStringList labels;
-    labels.reserve(qsizetype(workspace.notes().size()));
-    for (const editor::MarkdownFile& note : workspace.notes())
-        labels << workspace.relativePath(note.url());
-    m_notes->addItems(labels);
-    for (int row = 0; row < m_notes->count(); ++row) {
-        const QUrl& url = workspace.notes()[std::size_t(row)].url();
-        QListWidgetItem* item = m_notes->item(row);
-        item->setData(Qt::UserRole, url);
-        if (workspace.selection() == url)
-            m_notes->setCurrentItem(item);
-    }
+    app::OpenDocument* document = m_state.activeDocument();
+    if (!document)
+        return;
+    QFileDialog dialog(this, tr("Save As"), document->url().toLocalFile());
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setDefaultSuffix("md");
+    dialog.setNameFilters({tr("Markdown (*.md *.markdown *.mdown *.mkd *.mdx *.txt)")});
+    if (dialog.exec() == QDialog::Accepted && !dialog.selectedUrls().isEmpty())
+        m_state.saveAs(document, dialog.selectedUrls().first());
 }
 
 void MainWindow::showActiveDocument()

@@ -4,7 +4,6 @@
 #include <QPointer>
 
 class QLabel;
-class QListWidget;
 
 namespace velmo::app {
 class AppState;
@@ -14,6 +13,7 @@ namespace velmo::ui {
 
 class ConflictDialog;
 class PlainNoteEditor;
+class Sidebar;
 
 // The window around the application state: the notes of the folder, the open note, a status bar.
 class MainWindow : public QMainWindow {
@@ -27,7 +27,6 @@ protected:
 
 private:
     void buildMenus();
-    void refreshNotes();
     void showActiveDocument();
     void refreshStatus();
     void showAlert();
@@ -35,9 +34,10 @@ private:
     void showConflict();
     // Text changed by the logic (a reload from disk, a resolved conflict) reaches the view.
     void synchronizeEditor();
+    void saveActiveAs();
 
     app::AppState& m_state;
-    QListWidget* m_notes = nullptr;
+    Sidebar* m_sidebar = nullptr;
     PlainNoteEditor* m_editor = nullptr;
     QLabel* m_statistics = nullptr;
     bool m_loadingEditor = false;

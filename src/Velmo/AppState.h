@@ -2,6 +2,7 @@
 
 #include "Editor/Model/MarkdownFileError.h"
 #include "Editor/Model/Workspace.h"
+#include "Editor/Model/WorkspaceFileOperationError.h"
 #include "Editor/Model/WorkspaceSession.h"
 #include "Editor/Settings/EditorSettings.h"
 #include "Velmo/AppAlert.h"
@@ -109,6 +110,26 @@ public:
     // The same, on the next turn of the event loop.
     void synchronizeWithDiskNow();
     void resolve(const SyncConflict& conflict, SyncResolution resolution);
+    // File operations (AppStateFileOperations.cpp). None throws: a failure is reported under
+    // "Could Not Complete File Operation" and leaves files and open notes as they were.
+    OpenDocument* newNote(const QString& name, const std::optional<QUrl>& folder = {});
+    std::optional<QUrl> newFolder(const QString& name, const std::optional<QUrl>& folder = {});
+    bool renameActive(const QString& name);
+    bool rename(const QUrl& url, const QString& name);
+    OpenDocument* duplicate(const QUrl& url);
+    bool deleteActive();
+    // To the Trash, after saving what is open below it so the Trash holds the last edits.
+    bool deleteItem(const QUrl& url);
+    // Writes a copy under `url` and continues there; the old file stays where it was.
+    bool saveAs(OpenDocument* document, const QUrl& url);
+    bool move(const QUrl& url, const QUrl& folder);
+    void place(const QUrl& url, const std::optional<QUrl>& before);
+    std::optional<QList<QUrl>> importFiles(const QList<QUrl>& urls, const QUrl& folder);
+    // Items from inside the workspace are moved (or only placed, when they already lie in the
+    // folder); items from outside are imported. `positioned`: a drop between rows.
+    bool receiveSidebarDrop(const QList<QUrl>& urls, const QUrl& folder, const std::optional<QUrl>& before,
+                            bool positioned);
+    void reportFileError(const editor::WorkspaceFileOperationError& error, const QString& title);
 
     // Launch, session, quit.
     void openWorkspace(const QUrl& url);

@@ -65,7 +65,7 @@ void AppState::reloadOpenDocumentsChangedOnDisk()
             return;
         }
         document->applyDiskContents(text, date);
-        m_workspace.markContentChanged();
+        m_workspace.bumpContentGeneration();
         setStatusMessage(tr("“%1” was updated from another device.").arg(document->title()));
     }
 }
