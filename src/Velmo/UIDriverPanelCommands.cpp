@@ -22,20 +22,6 @@ QString flag(bool value)
     return value ? QStringLiteral("true") : QStringLiteral("false");
 }
 
-// Notes whose file name contains the needle, as the sidebar's filter keeps them.
-qsizetype filteredCount(const editor::Workspace& workspace, const QString& text)
-{
-    const QString needle = markdown::chars::trimmedHorizontal(text).toString().toLower();
-    if (needle.isEmpty())
-        return qsizetype(workspace.notes().size());
-    qsizetype count = 0;
-    for (const editor::MarkdownFile& note : workspace.notes()) {
-        if (QFileInfo(note.path()).fileName().toLower().contains(needle))
-            ++count;
-    }
-    return count;
-}
-
 constexpr int minimumWidth = 760;
 constexpr int minimumHeight = 520;
 
@@ -80,7 +66,10 @@ std::vector<Entry> panelGroup()
 {
     return {
         {"filter", [](Context& c, const UIDriverCommand& command) {
-             return "filter " + command.argument + " files=" + QString::number(filteredCount(c.state.workspace(), command.argument));
+             editor::Workspace& workspace = c.state.workspace();
+             workspace.setFilter(command.argument);
+             const auto tree = workspace.filteredTree();
+             return "filter " + command.argument + " files=" + QString::number(tree ? tree->fileCount() : 0);
          }},
         {"resize", resize},
         {"settings", [](Context& c, const UIDriverCommand& command) {

@@ -8,6 +8,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QThread>
 #include <gtest/gtest.h>
@@ -255,4 +256,26 @@ TEST_F(DriverRun, theQuitMenuEndsTheRunAtOnceAfterSaving)
     EXPECT_FALSE(out.contains("summary"));
     EXPECT_EQ(readBytes(path("notes/Alpha.md")), QByteArray("# Alpha\n\nyfirst note\n"));
     EXPECT_EQ(session().value("selectedPath").toString(), path("notes/Alpha.md"));
+}
+
+TEST_F(DriverRun, fileCommandsGoThroughTheWorkspace)
+{
+    const QString notes = path("notes");
+    const QString out = run(environment("openFolder:" + notes + "; new:Plans; newfolder:Archive; folderselect:Archive;"
+                                        " open:" + notes + "/Beta.md; rename:Bravo; move:" + notes + "/Gamma.md|" + notes
+                                        + "/Archive; filter:a; filter:; duplicate; delete; saveas:"));
+    for (const QString& line : {QString("new:Plans — new note"), QString("newfolder:Archive — new folder"),
+                                QString("folderselect:Archive — selected folder Archive"),
+                                QString("rename:Bravo — renamed to Bravo"),
+                                "move:" + notes + "/Gamma.md|" + notes + "/Archive — moved or imported",
+                                QString("duplicate — duplicated active"), QString("delete — deleted active"),
+                                QString("saveas: — no active document")})
+        EXPECT_TRUE(out.contains("\n" + line)) << line.toStdString() << "\n" << out.section("summary", 1).toStdString();
+    EXPECT_TRUE(QFile::exists(path("notes/Plans.md")));
+    EXPECT_TRUE(QFile::exists(path("notes/Bravo.md")));
+    EXPECT_FALSE(QFile::exists(path("notes/Beta.md")));
+    EXPECT_TRUE(QFile::exists(path("notes/Archive/Gamma.md")));
+    // Four notes are left after the duplicate went to the Trash; "a" matches all of them.
+    EXPECT_TRUE(out.contains(QRegularExpression("\nfilter:a — filter a files=\\d+\n")));
+    EXPECT_TRUE(out.contains("\nfilter: — filter  files=4\n")) << out.section("summary", 1).toStdString();
 }
