@@ -56,12 +56,22 @@ void InlineCloserIndex::buildPartners(Partners& partners, char16_t open, char16_
     }
 }
 
-std::optional<int> InlineCloserIndex::partnerOf(const Partners& partners, int p, int end)
+std::optional<int> InlineCloserIndex::partnerOf(const Partners& partners, size_t& hint, int p, int end)
 {
-    const auto found = std::lower_bound(partners.begin(), partners.end(), std::pair(p, -1));
-    if (found == partners.end() || found->first != p || found->second < 0 || found->second >= end)
+    size_t slot = hint;
+    if (slot < partners.size() && partners[slot].first != p) {
+        if (slot + 1 < partners.size() && partners[slot + 1].first == p)
+            ++slot;
+        else
+            slot = size_t(std::lower_bound(partners.begin(), partners.end(), std::pair(p, -1)) - partners.begin());
+    }
+    if (slot >= partners.size() || partners[slot].first != p)
         return std::nullopt;
-    return found->second;
+    hint = slot;
+    const int partner = partners[slot].second;
+    if (partner < 0 || partner >= end)
+        return std::nullopt;
+    return partner;
 }
 
 std::optional<int> InlineCloserIndex::matchingBracket(int p, int end)
@@ -70,7 +80,7 @@ std::optional<int> InlineCloserIndex::matchingBracket(int p, int end)
         m_brackets.emplace();
         buildPartners(*m_brackets, u'[', u']', false);
     }
-    return partnerOf(*m_brackets, p, end);
+    return partnerOf(*m_brackets, m_bracketHint, p, end);
 }
 
 std::optional<int> InlineCloserIndex::matchingParen(int p, int end)
@@ -79,7 +89,7 @@ std::optional<int> InlineCloserIndex::matchingParen(int p, int end)
         m_parens.emplace();
         buildPartners(*m_parens, u'(', u')', true);
     }
-    return partnerOf(*m_parens, p, end);
+    return partnerOf(*m_parens, m_parenHint, p, end);
 }
 
 std::optional<int> InlineCloserIndex::backtickRun(int from, int length, int end)
@@ -117,7 +127,8 @@ std::optional<int> InlineCloserIndex::backtickRun(int from, int length, int end)
     return found;
 }
 
-std::vector<int>& InlineCloserIndex::positionsOf(char16_t unit, bool doubledUnit)
+// The first position of `unit` (or of a doubled `unit`) at or after `from`.
+std::optional<int> InlineCloserIndex::firstPosition(char16_t unit, bool doubledUnit, int from)
 {
     const int slot = !doubledUnit ? (unit == u'$' ? 0 : 1) : unit == u'$' ? 2 : unit == u'~' ? 3 : 4;
     std::optional<std::vector<int>>& positions = m_positions[slot];
@@ -129,34 +140,38 @@ std::vector<int>& InlineCloserIndex::positionsOf(char16_t unit, bool doubledUnit
                 positions->push_back(i);
         }
     }
-    return *positions;
+    const std::vector<int>& list = *positions;
+    size_t& hint = m_positionHints[slot];
+    // The walk asks in increasing order, so the answer is usually the last one or the next.
+    if (hint > list.size() || (hint > 0 && list[hint - 1] >= from))
+        hint = size_t(std::lower_bound(list.begin(), list.end(), from) - list.begin());
+    while (hint < list.size() && list[hint] < from) {
+        if (list.size() - hint > 8 && list[hint + 8] < from)
+            hint = size_t(std::lower_bound(list.begin() + hint, list.end(), from) - list.begin());
+        else
+            ++hint;
+    }
+    if (hint >= list.size())
+        return std::nullopt;
+    return list[hint];
 }
 
 std::optional<int> InlineCloserIndex::dollar(int from, int end)
 {
-    const std::vector<int>& positions = positionsOf(u'$', false);
-    const auto found = std::lower_bound(positions.begin(), positions.end(), from);
-    if (found == positions.end() || *found >= end)
-        return std::nullopt;
-    return *found;
+    const std::optional<int> found = firstPosition(u'$', false, from);
+    return found && *found < end ? found : std::nullopt;
 }
 
 std::optional<int> InlineCloserIndex::lineFeed(int from, int end)
 {
-    const std::vector<int>& positions = positionsOf(u'\n', false);
-    const auto found = std::lower_bound(positions.begin(), positions.end(), from);
-    if (found == positions.end() || *found >= end)
-        return std::nullopt;
-    return *found;
+    const std::optional<int> found = firstPosition(u'\n', false, from);
+    return found && *found < end ? found : std::nullopt;
 }
 
 std::optional<int> InlineCloserIndex::doubled(char16_t unit, int from, int end)
 {
-    const std::vector<int>& positions = positionsOf(unit, true);
-    const auto found = std::lower_bound(positions.begin(), positions.end(), from);
-    if (found == positions.end() || *found + 2 > end)
-        return std::nullopt;
-    return *found;
+    const std::optional<int> found = firstPosition(unit, true, from);
+    return found && *found + 2 <= end ? found : std::nullopt;
 }
 
 }

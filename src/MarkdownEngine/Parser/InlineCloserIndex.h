@@ -48,17 +48,21 @@ private:
     };
 
     void buildPartners(Partners& partners, char16_t open, char16_t close, bool lineEndFailsEveryDepth) const;
-    static std::optional<int> partnerOf(const Partners& partners, int p, int end);
-    std::vector<int>& positionsOf(char16_t unit, bool doubledUnit);
+    // Queries mostly come in increasing order: `hint` remembers the last answer's slot.
+    static std::optional<int> partnerOf(const Partners& partners, size_t& hint, int p, int end);
+    std::optional<int> firstPosition(char16_t unit, bool doubledUnit, int from);
 
     QStringView m_text;
     MarkdownSourceRange m_range;
     std::optional<Partners> m_brackets;
     std::optional<Partners> m_parens;
+    size_t m_bracketHint = 0;
+    size_t m_parenHint = 0;
     std::optional<std::vector<Run>> m_runsByStart;  // every maximal run, by start
     std::vector<Run> m_runsByLength;                // the same, by length then start
     // Positions of `$`, LF, `$$`, `~~`, `==`, built on demand.
     std::optional<std::vector<int>> m_positions[5];
+    size_t m_positionHints[5] = {};
 };
 
 }

@@ -156,6 +156,11 @@ void appendText(std::vector<MarkdownInline>& into, int from, int to)
 std::vector<MarkdownInline> merged(std::vector<MarkdownInline>& atoms, const std::vector<EmphasisSpan>& spans,
                                    MarkdownSourceRange range)
 {
+    if (atoms.empty() && spans.empty()) {
+        std::vector<MarkdownInline> text;
+        text.emplace_back(inline_kind::Text{}, range);
+        return text;
+    }
     struct Level {
         std::vector<MarkdownInline> inlines;
         int cursor;
@@ -163,6 +168,9 @@ std::vector<MarkdownInline> merged(std::vector<MarkdownInline>& atoms, const std
     };
     std::vector<Level> levels;
     levels.push_back({{}, range.location, nullptr});
+    // Each item brings at most one gap before it: reserving the bound spares the regrowth of a
+    // large vector, and pages never written are never touched.
+    levels.back().inlines.reserve(2 * (atoms.size() + spans.size()) + 1);
     const auto closeLevel = [&levels] {
         Level level = std::move(levels.back());
         levels.pop_back();
