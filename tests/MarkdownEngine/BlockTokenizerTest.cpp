@@ -92,7 +92,7 @@ TEST(BlockTokenizer, splitsAtLineFeedOnly)
     EXPECT_EQ(lines[2].quoteDepth, 1);
     EXPECT_EQ(lines[2].text, u" > d");
     EXPECT_EQ(lines[2].indent, 1);
-    EXPECT_EQ(lines[3].fullRange, (MarkdownSourceRange{text.size(), 0}));
+    EXPECT_EQ(lines[3].fullRange, (MarkdownSourceRange{int(text.size()), 0}));
     EXPECT_EQ(BlockTokenizer::split(u"").size(), 1u);
     EXPECT_EQ(BlockTokenizer::split(u"a").size(), 1u);
     EXPECT_TRUE(BlockTokenizer::split(u">\t\n")[0].isBlank);
