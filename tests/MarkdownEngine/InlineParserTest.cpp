@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <QStringList>
+#include <QThread>
+#include <memory>
 
 using namespace velmo::markdown;
 
@@ -367,4 +369,47 @@ TEST(InlineParser, nodesCarryTheSourceText)
         {Link{QStringLiteral("f"), std::nullopt}, {{Text{"e"}}}},
     };
     EXPECT_EQ(nodes, expected);
+}
+
+TEST(InlineParser, deepNestingFitsAWorkerThreadStack)
+{
+    // Emphasis, links and highlight inside links, 30,000 deep each: parsing, walking,
+    // converting and tearing down must all run on a 512 KB stack.
+    struct Nest {
+        const char* open;
+        const char* close;
+        int expectedDepth;
+    };
+    const Nest nests[] = {{"*a ", " a*", 30'000}, {"[a ", "](u)", 30'000}, {"[==a== ", "](u)", 30'000},
+                          {"![a ", "](u)", 1}};
+    for (const Nest& nest : nests) {
+        const QString text = QString::fromLatin1(nest.open).repeated(30'000) + QStringLiteral("x")
+            + QString::fromLatin1(nest.close).repeated(30'000);
+        int depth = 0;
+        size_t nodeCount = 0;
+        std::unique_ptr<QThread> thread(QThread::create([&] {
+            const InlineParser::Context context(text);
+            std::vector<MarkdownInline> inlines = InlineParser::parse({0, int(text.size())}, context);
+            for (const MarkdownInline& top : inlines) {
+                top.forEach([&](const MarkdownInline&) { ++nodeCount; });
+                // Follow the last child that has children of its own.
+                int level = 1;
+                for (const MarkdownInline* node = &top;; ++level) {
+                    const auto next = std::find_if(node->children.rbegin(), node->children.rend(),
+                                                   [](const MarkdownInline& child) { return !child.children.empty(); });
+                    if (next == node->children.rend())
+                        break;
+                    node = &*next;
+                }
+                depth = std::max(depth, level);
+            }
+            const std::vector<MarkdownInlineNode> nodes = MarkdownInlineNode::from(inlines, text);
+            EXPECT_EQ(nodes.size(), inlines.size());
+        }));
+        thread->setStackSize(512 * 1024);
+        thread->start();
+        ASSERT_TRUE(thread->wait(QDeadlineTimer(60'000))) << nest.open;
+        EXPECT_GE(depth, nest.expectedDepth) << nest.open;
+        EXPECT_GT(nodeCount, 0u);
+    }
 }
