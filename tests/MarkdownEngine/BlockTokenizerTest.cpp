@@ -87,7 +87,8 @@ TEST(BlockTokenizer, splitsAtLineFeedOnly)
     EXPECT_EQ(lines[0].fullRange, (MarkdownSourceRange{0, 7}));
     EXPECT_EQ(lines[0].contentRange, (MarkdownSourceRange{4, 1}));
     EXPECT_EQ(lines[0].quoteDepth, 2);
-    EXPECT_EQ(lines[0].quoteMarkers[1], (MarkdownSourceRange{2, 2}));
+    EXPECT_EQ(BlockTokenizer::quoteMarkers(lines[0], text)[1], (MarkdownSourceRange{2, 2}));
+    EXPECT_EQ(BlockTokenizer::quoteMarkers(lines[2], text).size(), 1);
     EXPECT_EQ(lines[1].text, u"b\rc"); // a lone CR stays inside the line
     EXPECT_EQ(lines[2].quoteDepth, 1);
     EXPECT_EQ(lines[2].text, u" > d");
