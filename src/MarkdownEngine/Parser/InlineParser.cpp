@@ -69,13 +69,15 @@ struct EmphasisSpan {
 std::optional<MarkdownSourceRange> scanAtoms(Frame& frame, InlineAtomScanner& scanner, QStringView text)
 {
     const int end = frame.range.upperBound();
+    const char16_t* units = text.utf16();
     for (int p = frame.position; p < end;) {
-        const char16_t unit = text[p].unicode();
-        const Stop stop = unit < 128 ? stops[unit] : Stop::none;
-        if (stop == Stop::none) {
+        // Most units stop nothing: skip them in a tight loop.
+        while (p < end && (units[p] >= 128 || stops[units[p]] == Stop::none))
             ++p;
-            continue;
-        }
+        if (p >= end)
+            break;
+        const char16_t unit = units[p];
+        const Stop stop = stops[unit];
         if (stop == Stop::delimiter) {
             // No atom starts with `*` or `_`, so a run never reaches into a claimed range.
             int runEnd = p + 1;
