@@ -420,6 +420,8 @@ TEST(InlineParser, deepNestingFitsAWorkerThreadStack)
             }
             const std::vector<MarkdownInlineNode> nodes = MarkdownInlineNode::from(inlines, text);
             EXPECT_EQ(nodes.size(), inlines.size());
+            const std::vector<MarkdownInlineNode> copies = nodes;
+            EXPECT_EQ(copies, nodes);
         }));
         thread->setStackSize(512 * 1024);
         thread->start();
