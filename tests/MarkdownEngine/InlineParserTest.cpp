@@ -344,6 +344,10 @@ TEST(InlineParser, linesStayInsideText)
         {u"a  \nb", u"\"a  \nb\""},
         {u"*a\nb*", u"em{\"a\nb\"}"},
         {u"&amp;", u"\"&amp;\""},
+        {u"\t*a*", u"\"\t\" em{\"a\"}"},
+        {u"*a\n> b*", u"em{\"a\n> b\"}"},           // a quote prefix inside the range is text
+        {u"[a\rb](c)", u"link(c){\"a\rb\"}"},         // only LF stops a link text
+        {u"[a\r\nb](c)", u"\"[a\r\nb](c)\""},
     });
 }
 
