@@ -155,6 +155,7 @@ bool AppState::activate(OpenDocument* document)
     if (document != activeDocument() && !prepareForDocumentSwitch())
         return false;
     setActiveID(document->id());
+    hideGraph();
     m_workspace.select(document->url());
     m_session.addRecent(document->url());
     scheduleSessionSave();
@@ -238,6 +239,7 @@ bool AppState::closeAll()
 
 bool AppState::goHome()
 {
+    hideGraph();
     OpenDocument* document = activeDocument();
     if (!document && !m_documents.empty())
         document = m_documents.front();

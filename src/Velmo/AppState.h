@@ -164,6 +164,34 @@ public:
     void setSettingsTab(SettingsTab tab);
     void setSidebarMode(SidebarMode mode);
     void selectTag(const std::optional<QString>& tag);
+    // The rest of the find bar, the graph, the gutter and the export requests: plain observable
+    // values that their panels read and write.
+    enum class ExportKind { html, pdf, png };
+    struct SidebarReveal {
+        QUrl url;
+        int token = 0;
+    };
+    const QString& findReplacement() const { return m_findReplacement; }
+    bool findCaseSensitive() const { return m_findCaseSensitive; }
+    bool findWholeWord() const { return m_findWholeWord; }
+    int findIndex() const { return m_findIndex; }
+    bool graphVisible() const { return m_graphVisible; }
+    bool showLineNumbers() const { return m_showLineNumbers; }
+    const std::optional<SidebarReveal>& sidebarReveal() const { return m_sidebarReveal; }
+    const std::optional<ExportKind>& exportRequested() const { return m_exportRequested; }
+    bool printRequested() const { return m_printRequested; }
+    void setReplaceVisible(bool visible);
+    void setFindReplacement(const QString& replacement);
+    void setFindCaseSensitive(bool on);
+    void setFindWholeWord(bool on);
+    void setFindIndex(int index);
+    void setGraphVisible(bool visible);
+    void hideGraph() { setGraphVisible(false); }
+    void setShowLineNumbers(bool on);
+    // Asks the sidebar to scroll to a row; each request has a fresh token.
+    void revealInSidebar(const QUrl& url);
+    void requestExport(const std::optional<ExportKind>& kind);
+    void setPrintRequested(bool requested);
     // Settings, find and the pickers; the folder search panel is not transient.
     bool hasTransientPanels() const;
     void dismissTransientPanels();
@@ -188,6 +216,16 @@ private:
     void raiseConflict(const SyncConflict& conflict);
     void startSyncMonitoring();
     void saveCopy(const SyncConflict& conflict);
+    // Assigns a panel value, notifying only a real change.
+    template<typename T>
+    void assignPanel(T& field, const T& value)
+    {
+        if (field == value)
+            return;
+        field = value;
+        emit panelsChanged();
+        emit changed();
+    }
 
     std::unique_ptr<editor::EditorSettings> m_settings;
     editor::Workspace m_workspace;
@@ -209,6 +247,16 @@ private:
     SettingsTab m_settingsTab = SettingsTab::general;
     SidebarMode m_sidebarMode = SidebarMode::files;
     std::optional<QString> m_selectedTag;
+    QString m_findReplacement;
+    bool m_findCaseSensitive = false;
+    bool m_findWholeWord = false;
+    int m_findIndex = 0;
+    bool m_graphVisible = false;
+    bool m_showLineNumbers = false;
+    std::optional<SidebarReveal> m_sidebarReveal;
+    int m_sidebarRevealCount = 0;
+    std::optional<ExportKind> m_exportRequested;
+    bool m_printRequested = false;
     const bool m_persistsSession;
 
     QTimer m_sessionSave;

@@ -33,38 +33,77 @@ void AppState::setFindVisible(bool visible)
 
 void AppState::setFindQuery(const QString& query)
 {
-    if (query == m_findQuery)
-        return;
-    m_findQuery = query;
-    emit panelsChanged();
-    emit changed();
+    assignPanel(m_findQuery, query);
 }
 
 void AppState::setSearchVisible(bool visible)
 {
-    if (visible == m_isSearchVisible)
-        return;
-    m_isSearchVisible = visible;
-    emit panelsChanged();
-    emit changed();
+    assignPanel(m_isSearchVisible, visible);
 }
 
 void AppState::setSettingsTab(SettingsTab tab)
 {
-    if (tab == m_settingsTab)
-        return;
-    m_settingsTab = tab;
-    emit panelsChanged();
-    emit changed();
+    assignPanel(m_settingsTab, tab);
 }
 
 void AppState::setSidebarMode(SidebarMode mode)
 {
-    if (mode == m_sidebarMode)
-        return;
-    m_sidebarMode = mode;
+    assignPanel(m_sidebarMode, mode);
+}
+
+void AppState::setReplaceVisible(bool visible)
+{
+    // Replace shows inside the find bar.
+    if (visible)
+        assignPanel(m_isFindVisible, true);
+    assignPanel(m_isReplaceVisible, visible);
+}
+
+void AppState::setFindReplacement(const QString& replacement)
+{
+    assignPanel(m_findReplacement, replacement);
+}
+
+void AppState::setFindCaseSensitive(bool on)
+{
+    assignPanel(m_findCaseSensitive, on);
+}
+
+void AppState::setFindWholeWord(bool on)
+{
+    assignPanel(m_findWholeWord, on);
+}
+
+void AppState::setFindIndex(int index)
+{
+    assignPanel(m_findIndex, index);
+}
+
+void AppState::setGraphVisible(bool visible)
+{
+    assignPanel(m_graphVisible, visible);
+}
+
+void AppState::setShowLineNumbers(bool on)
+{
+    assignPanel(m_showLineNumbers, on);
+}
+
+void AppState::revealInSidebar(const QUrl& url)
+{
+    m_sidebarReveal = SidebarReveal{url, ++m_sidebarRevealCount};
     emit panelsChanged();
     emit changed();
+}
+
+void AppState::requestExport(const std::optional<ExportKind>& kind)
+{
+    assignPanel(m_exportRequested, kind);
+}
+
+void AppState::setPrintRequested(bool requested)
+{
+    assignPanel(m_printRequested, requested);
 }
 
 void AppState::selectTag(const std::optional<QString>& tag)
