@@ -23,8 +23,6 @@ MarkdownTableCommand of(Kind kind)
     return {kind, MarkdownTableAlignment::none};
 }
 
-const char16_t* const twoByTwo = u"| a | b |\n| --- | --- |\n| 1 | 2 |";
-
 }
 
 TEST(MarkdownTableCommand, structuralEdits)

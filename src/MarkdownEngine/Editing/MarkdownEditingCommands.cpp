@@ -294,13 +294,19 @@ std::optional<Edit> MarkdownEditingCommands::textColor(const QString& text, Mark
     };
     std::vector<Span> spans;
     qsizetype from = first.start;
+    // The first closer after the last search's start: -2 before any search, -1 when none is
+    // left. Searched again only once passed, so unclosed tags cost one scan in all.
+    qsizetype nextClose = -2;
     while (from < last.contentsEnd) {
         const auto match = openPattern.match(QStringView(text).left(last.contentsEnd), from);
         if (!match.hasMatch())
             break;
         const qsizetype innerStart = match.capturedEnd(0);
         const qsizetype lineEnd = chars::lineAt(text, innerStart).contentsEnd;
-        const qsizetype close = text.indexOf(closeTag, innerStart, Qt::CaseInsensitive);
+        if (nextClose == -2 || (nextClose >= 0 && nextClose < innerStart)) {
+            nextClose = QStringView(text).left(last.contentsEnd).indexOf(closeTag, innerStart, Qt::CaseInsensitive);
+        }
+        const qsizetype close = nextClose;
         if (close < 0 || close + closeTag.size() > lineEnd || match.capturedView(0).contains(u'\n')) {
             from = match.capturedStart(0) + 1;
             continue;

@@ -129,12 +129,13 @@ std::optional<MarkdownTableSource::Shape> MarkdownTableSource::tableShape(QStrin
     if (!isTableLine(body(caretLine)))
         return std::nullopt;
     std::vector<chars::LineBounds> found{caretLine};
-    while (found.front().start > 0) {
-        const auto previous = lineOf(found.front().start - 1);
+    while (found.back().start > 0) {
+        const auto previous = lineOf(found.back().start - 1);
         if (!isTableLine(body(previous)))
             break;
-        found.insert(found.begin(), previous);
+        found.push_back(previous);
     }
+    std::reverse(found.begin(), found.end());
     while (found.back().end > found.back().contentsEnd && found.back().end < text.size()) {
         const auto next = lineOf(found.back().end);
         if (!isTableLine(body(next)))
@@ -209,7 +210,8 @@ int MarkdownTableSource::columnCount() const
 
 int MarkdownTableSource::delimiterIndex() const
 {
-    for (std::size_t i = 0; i < lines.size(); ++i) {
+    // The header is never the delimiter row, even when it looks like one.
+    for (std::size_t i = 1; i < lines.size(); ++i) {
         if (isSeparatorRow(lines[i].cells))
             return int(i);
     }
