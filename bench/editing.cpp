@@ -97,3 +97,4 @@ BENCHMARK(BM_renumberFootnotes)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_insertTable)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_newlineAtEveryLine)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_tidyTableAtATable)->Unit(benchmark::kMicrosecond);
+BENCHMARK_MAIN();
