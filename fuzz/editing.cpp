@@ -53,7 +53,7 @@ MarkdownEditorCommand commandFor(int which, int argument)
         return TableCommand{all[std::size_t(argument) % all.size()]};
     }
     case 4: return FrontMatter{argument % 2 ? QStringLiteral("title: t\ndate: d") : QStringLiteral("tags: x")};
-    case 5: return Callout{static_cast<MarkdownCallout>(argument % 5)};
+    case 5: return Callout{MarkdownCallout(static_cast<MarkdownCallout::Kind>(argument % 5))};
     default: return InsertText{QString(QChar(argument))};
     }
 }

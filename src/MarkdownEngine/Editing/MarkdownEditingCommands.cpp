@@ -32,6 +32,16 @@ bool isLowSurrogateAt(QStringView text, qsizetype i)
     return i > 0 && i < text.size() && text[i].isLowSurrogate() && text[i - 1].isHighSurrogate();
 }
 
+std::optional<MarkdownTextColor> namedColor(QStringView name)
+{
+    for (int k = MarkdownTextColor::red; k <= MarkdownTextColor::gray; ++k) {
+        const MarkdownTextColor color(static_cast<MarkdownTextColor::Kind>(k));
+        if (chars::trimmed(name).compare(color.rawValue(), Qt::CaseInsensitive) == 0)
+            return color;
+    }
+    return std::nullopt;
+}
+
 // Drops every pairing of `delimiter` in order: the first with the second, the third with the
 // fourth; an odd one out stays.
 QString strippingPairs(const QString& text, QStringView delimiter)
@@ -271,9 +281,9 @@ std::optional<Edit> MarkdownEditingCommands::textColor(const QString& text, Mark
     selection = clamped(text, selection);
     QString openTag;
     if (color) {
-        if (const auto named = text_color::fromName(*color))
-            openTag = text_color::openTag(*named);
-        else if (text_color::parse(*color))
+        if (const auto named = namedColor(*color))
+            openTag = named->openTag();
+        else if (MarkdownTextColor::parse(*color))
             openTag = QStringLiteral("<span style=\"color:") + chars::trimmed(*color).toString() + QStringLiteral("\">");
         else
             return std::nullopt;

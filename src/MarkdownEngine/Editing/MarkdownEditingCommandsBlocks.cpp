@@ -498,7 +498,7 @@ std::optional<Edit> MarkdownEditingCommands::renumberFootnotes(const QString& te
 Edit MarkdownEditingCommands::callout(const QString& text, MarkdownSourceRange selection, MarkdownCallout kind)
 {
     selection = clamped(text, selection);
-    const QString header = QStringLiteral("> [!") + callout::marker(kind) + u']';
+    const QString header = QStringLiteral("> [!") + kind.marker() + u']';
     if (selection.length == 0) {
         // A new callout on lines of its own, the caret in its first line.
         const auto bounds = chars::lineAt(text, selection.location);

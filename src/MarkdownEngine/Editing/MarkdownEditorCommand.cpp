@@ -15,6 +15,17 @@ constexpr const char* simpleNames[] = {
     "moveLinesUp",   "moveLinesDown",
 };
 
+// A callout kind by its raw value or marker, case ignored.
+std::optional<MarkdownCallout> calloutNamed(const QString& name)
+{
+    for (int k = MarkdownCallout::note; k <= MarkdownCallout::caution; ++k) {
+        const MarkdownCallout kind(static_cast<MarkdownCallout::Kind>(k));
+        if (name.compare(kind.rawValue(), Qt::CaseInsensitive) == 0)
+            return kind;
+    }
+    return std::nullopt;
+}
+
 std::optional<int> integer(const QString& text)
 {
     bool ok = false;
@@ -64,7 +75,7 @@ std::optional<MarkdownEditorCommand> fromName(QStringView name, const QString& a
     if (name == u"frontMatter")
         return FrontMatter{argument};
     if (name == u"callout") {
-        const auto kind = callout::fromName(argument.isEmpty() ? QStringLiteral("note") : argument);
+        const auto kind = calloutNamed(argument.isEmpty() ? QStringLiteral("note") : argument);
         return kind ? std::optional<MarkdownEditorCommand>(Callout{*kind}) : std::nullopt;
     }
     if (name == u"insertText")
