@@ -3,7 +3,9 @@
 #include "MarkdownEngine/Core/MarkdownDocument.h"
 #include "MarkdownEngine/Core/MarkdownTextColor.h"
 #include "MarkdownEngine/Core/TextCharacters.h"
+#include "MarkdownEngine/Parser/BlockTokenizer.h"
 #include "MarkdownEngine/Parser/GraphemeCount.h"
+#include "MarkdownEngine/Parser/InlineParser.h"
 
 #include <QRegularExpression>
 #include <algorithm>
@@ -75,6 +77,27 @@ MarkdownSourceRange MarkdownEditingCommands::clamped(QStringView text, MarkdownS
     const int location = std::clamp(selection.location, 0, size);
     const int length = std::clamp(selection.length, 0, size - location);
     return {location, length};
+}
+
+std::optional<MarkdownBlock> MarkdownEditingCommands::blockAt(const QString& text, int offset, bool withInlines)
+{
+    const MarkdownParseOptions options;
+    BlockTokenizer tokenizer(text, options);
+    std::vector<MarkdownBlock> blocks = tokenizer.parseBlocks();
+    for (MarkdownBlock& block : blocks) {
+        const int length = std::max(block.range.length, 1);
+        if (block.range.location <= offset && offset < block.range.location + length) {
+            if (withInlines) {
+                QSet<QString> labels;
+                for (auto it = tokenizer.footnoteDefinitions().cbegin(); it != tokenizer.footnoteDefinitions().cend(); ++it)
+                    labels.insert(it.key());
+                const InlineParser::Context context(text, tokenizer.linkDefinitions(), labels, options);
+                block.inlines = InlineParser::parse(block.contentRange, context);
+            }
+            return std::move(block);
+        }
+    }
+    return std::nullopt;
 }
 
 Edit MarkdownEditingCommands::replacing(const QString& text, MarkdownSourceRange range, const QString& replacement,
@@ -366,8 +389,17 @@ std::optional<Edit> MarkdownEditingCommands::textColor(const QString& text, Mark
 Edit MarkdownEditingCommands::link(const QString& text, MarkdownSourceRange selection, const QString& destination)
 {
     selection = clamped(text, selection);
-    const MarkdownDocument document = MarkdownDocument::parse(text);
-    for (const MarkdownInline* node : document.inlines()) {
+    // Only the block of the selection can hold a link around it.
+    const std::optional<MarkdownBlock> block = blockAt(text, selection.location, true);
+    std::vector<const MarkdownInline*> nodes;
+    if (block) {
+        for (const MarkdownInline& top : block->inlines)
+            top.forEach([&](const MarkdownInline& node) { nodes.push_back(&node); });
+        std::stable_sort(nodes.begin(), nodes.end(), [](const MarkdownInline* a, const MarkdownInline* b) {
+            return a->range.location < b->range.location;
+        });
+    }
+    for (const MarkdownInline* node : nodes) {
         if (!node->is<inline_kind::Link>())
             continue;
         const MarkdownSourceRange range = node->range;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "MarkdownEngine/Core/MarkdownBlock.h"
 #include "MarkdownEngine/Core/MarkdownCallout.h"
 #include "MarkdownEngine/Core/MarkdownSourceRange.h"
 #include "MarkdownEngine/Editing/MarkdownEditorCommand.h"
@@ -157,6 +158,11 @@ public:
                                         MarkdownSourceRange selection);
 
 private:
+    // The block holding an offset, from the block pass alone: Return and insertions ask this
+    // on every keystroke, and inline parsing of the whole note would cost them most of a frame.
+    // The inlines of the block are parsed when `withInlines` is set.
+    [[nodiscard]] static std::optional<MarkdownBlock> blockAt(const QString& text, int offset, bool withInlines = false);
+
     enum class ListKind : unsigned char { bullet, ordered, task };
     [[nodiscard]] static std::optional<Edit> list(const QString& text, MarkdownSourceRange selection, ListKind kind);
     [[nodiscard]] static std::optional<QString> nextOrderedMarker(QStringView indentation, QStringView line);

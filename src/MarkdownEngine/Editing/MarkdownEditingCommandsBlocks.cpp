@@ -174,8 +174,7 @@ std::optional<Edit> MarkdownEditingCommands::newline(const QString& text, Markdo
     if (!prefix) {
         if (quoteLength == 0 && line.startsWith(u"```") && head.startsWith(u"```")) {
             // Only a fence that nothing closes yet gets a closer.
-            const MarkdownDocument document = MarkdownDocument::parse(text);
-            const MarkdownBlock* block = document.block(lineStart);
+            const std::optional<MarkdownBlock> block = blockAt(text, lineStart);
             const auto* fence = block ? block->as<block_kind::Fence>() : nullptr;
             if (!fence || fence->closed || block->range.location != lineStart)
                 return std::nullopt;
@@ -337,8 +336,7 @@ std::optional<Edit> MarkdownEditingCommands::table(const QString& text, Markdown
     rows = std::clamp(rows, 1, 1000);
     columns = std::clamp(columns, 1, MarkdownParseOptions{}.maxTableColumns);
 
-    const MarkdownDocument document = MarkdownDocument::parse(text);
-    if (const MarkdownBlock* block = document.block(selection.location); block && block->is<block_kind::Table>())
+    if (const auto block = blockAt(text, selection.location); block && block->is<block_kind::Table>())
         return std::nullopt;
 
     auto row = [columns](const QString& cell) {
