@@ -330,21 +330,31 @@ std::optional<Edit> MarkdownEditingCommands::textColor(const QString& text, Mark
     // The first closer after the last search's start: -2 before any search, -1 when none is
     // left. Searched again only once passed, so unclosed tags cost one scan in all.
     qsizetype nextClose = -2;
-    while (from < last.contentsEnd) {
-        const auto match = openPattern.match(QStringView(text).left(last.contentsEnd), from);
-        if (!match.hasMatch())
-            break;
-        const qsizetype innerStart = match.capturedEnd(0);
-        const qsizetype lineEnd = chars::lineAt(text, innerStart).contentsEnd;
+    // The end of the line that holds the last match, found forward so that many tags on one
+    // long line do not each walk back to its start.
+    qsizetype lineEnd = -1;
+    // One global match over the lines: a fresh match per tag would check the whole subject
+    // again each time.
+    auto matches = openPattern.globalMatch(QStringView(text).mid(first.start, last.contentsEnd - first.start));
+    while (matches.hasNext()) {
+        const QRegularExpressionMatch match = matches.next();
+        if (first.start + match.capturedStart(0) < from)
+            continue;
+        const qsizetype tagStart = first.start + match.capturedStart(0);
+        const qsizetype innerStart = first.start + match.capturedEnd(0);
+        if (innerStart > lineEnd) {
+            lineEnd = innerStart;
+            while (lineEnd < text.size() && chars::terminatorLength(text, lineEnd) == 0)
+                ++lineEnd;
+        }
         if (nextClose == -2 || (nextClose >= 0 && nextClose < innerStart)) {
             nextClose = QStringView(text).left(last.contentsEnd).indexOf(closeTag, innerStart, Qt::CaseInsensitive);
         }
         const qsizetype close = nextClose;
         if (close < 0 || close + closeTag.size() > lineEnd || match.capturedView(0).contains(u'\n')) {
-            from = match.capturedStart(0) + 1;
             continue;
         }
-        spans.push_back(Span{MarkdownSourceRange::fromBounds(int(match.capturedStart(0)), int(close + closeTag.size())),
+        spans.push_back(Span{MarkdownSourceRange::fromBounds(int(tagStart), int(close + closeTag.size())),
                              MarkdownSourceRange::fromBounds(int(innerStart), int(close))});
         from = close + closeTag.size();
     }
