@@ -1,6 +1,5 @@
 #include "MarkdownEngine/Editing/MarkdownEditingCommands.h"
 
-#include "MarkdownEngine/Core/MarkdownDocument.h"
 #include "MarkdownEngine/Core/MarkdownTextColor.h"
 #include "MarkdownEngine/Core/TextCharacters.h"
 #include "MarkdownEngine/Parser/BlockTokenizer.h"

@@ -1,7 +1,7 @@
 // The commands on lines and blocks: Return in lists and quotes, auto-pairing, insertion of
 // tables, callouts, front matter and footnotes, footnote renumbering, moving lines.
 
-#include "MarkdownEngine/Core/MarkdownDocument.h"
+#include "MarkdownEngine/Core/MarkdownParseOptions.h"
 #include "MarkdownEngine/Core/TextCharacters.h"
 #include "MarkdownEngine/Editing/MarkdownEditingCommands.h"
 #include "MarkdownEngine/Parser/BlockTokenizer.h"
