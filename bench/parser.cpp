@@ -48,7 +48,7 @@ void velmoBlocks(benchmark::State& state, const QString& (*source)())
     for (auto _ : state) {
         BlockTokenizer tokenizer(text, {});
         std::vector<MarkdownBlock> blocks = tokenizer.parseBlocks();
-        BlockTokenizer::attachQuoteMarkers(blocks, tokenizer.lines());
+        BlockTokenizer::attachQuoteMarkers(blocks, tokenizer.lines(), text);
         benchmark::DoNotOptimize(blocks.data());
     }
     state.SetBytesProcessed(int64_t(state.iterations()) * bytes);

@@ -64,7 +64,39 @@ QString nestedStrikeAndLinks() { return nested(QStringLiteral("[~~a "), QStringL
 QString unclosedParentheses() { return repeated(QStringLiteral("[a](b ")); }
 QString unclosedTildes() { return repeated(QStringLiteral("~~a ==b ")); }
 
+// Block half: openers whose closer search could rescan the rest of the text each time.
+QString linesWithFiller(const QString& opener)
+{
+    return repeated(opener + QStringLiteral(" filler words to make the line about a hundred bytes long, no closer ")
+                    + QStringLiteral("here at all\n"));
 }
+QString dollarLines() { return repeated(QStringLiteral("$$\n")); }
+QString dollarLinesWithText() { return linesWithFiller(QStringLiteral("$$\n")); }
+QString bracketMathLines() { return linesWithFiller(QStringLiteral("\\[")); }
+QString containerLines() { return linesWithFiller(QStringLiteral("::: x")); }
+QString containerOpenersAlone() { return repeated(QStringLiteral("::: x\n")); }
+QString quoteMarkers() { return QString(100'000, u'>') + QStringLiteral(" a"); }
+QString quoteMarkerLines() { return repeated(QString(100'000, u'>') + QStringLiteral(" a\n")); }
+QString pipeParagraph() { return repeated(QStringLiteral("a | b\n")); }
+QString deepListIndent() { return repeated(QStringLiteral("- a\n") + QString(200, u' ') + QStringLiteral("- b\n")); }
+QString unclosedFences() { return repeated(QStringLiteral("> ```\n")); }
+
+void parseHostileHtml(benchmark::State& state, QString (*make)())
+{
+    const QString text = make();
+    MarkdownParseOptions options;
+    options.blockHtml = true;
+    for (auto _ : state) {
+        MarkdownDocument document = MarkdownDocument::parse(text, options);
+        benchmark::DoNotOptimize(document.blocks.data());
+    }
+    state.SetBytesProcessed(int64_t(state.iterations()) * text.toUtf8().size());
+}
+QString unclosedDivLines() { return repeated(QStringLiteral("<div class=x>\n")); }
+
+}
+
+BENCHMARK_CAPTURE(parseHostileHtml, unclosedDivLines, unclosedDivLines)->Unit(benchmark::kMillisecond)->MinTime(0.2);
 
 #define VELMO_HOSTILE(name) \
     BENCHMARK_CAPTURE(parseHostile, name, name)->Unit(benchmark::kMillisecond)->MinTime(0.2)
@@ -85,5 +117,15 @@ VELMO_HOSTILE(nestedImages);
 VELMO_HOSTILE(nestedStrikeAndLinks);
 VELMO_HOSTILE(unclosedParentheses);
 VELMO_HOSTILE(unclosedTildes);
+VELMO_HOSTILE(dollarLines);
+VELMO_HOSTILE(dollarLinesWithText);
+VELMO_HOSTILE(bracketMathLines);
+VELMO_HOSTILE(containerLines);
+VELMO_HOSTILE(containerOpenersAlone);
+VELMO_HOSTILE(quoteMarkers);
+VELMO_HOSTILE(quoteMarkerLines);
+VELMO_HOSTILE(pipeParagraph);
+VELMO_HOSTILE(deepListIndent);
+VELMO_HOSTILE(unclosedFences);
 
 BENCHMARK_MAIN();

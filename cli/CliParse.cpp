@@ -4,6 +4,7 @@
 
 #include <QJsonArray>
 #include <QJsonObject>
+#include <cstdio>
 
 namespace velmo::cli {
 
@@ -209,42 +210,48 @@ void addInlineKind(QJsonObject& object, const MarkdownInlineKind& kind)
         kind);
 }
 
-// Built bottom-up from a post-order list, so that nesting depth costs heap, not stack.
-QJsonArray inlinesJson(const std::vector<MarkdownInline>& roots)
+// Inline trees can nest tens of thousands deep: they are written as they are walked, with an
+// explicit stack, never through nested JSON values (whose writer recurses).
+void writeInlines(QByteArray& out, const std::vector<MarkdownInline>& roots)
 {
     struct Frame {
         const MarkdownInline* node;
-        size_t next = 0;
-        QJsonArray children;
+        size_t next;
     };
-    QJsonArray result;
-    for (const MarkdownInline& root : roots) {
-        std::vector<Frame> stack;
-        stack.push_back({&root, 0, {}});
+    const auto fields = [](const MarkdownInline& node) {
+        QJsonObject object;
+        addInlineKind(object, node.kind);
+        object.insert("range", rangeJson(node.range));
+        object.insert("contentRange", rangeJson(node.contentRange));
+        object.insert("markerRanges", rangesJson(node.markerRanges));
+        QByteArray json = QJsonDocument(object).toJson(QJsonDocument::Compact);
+        json.chop(1); // reopened to append the children
+        return json;
+    };
+    out += '[';
+    for (size_t i = 0; i < roots.size(); ++i) {
+        if (i)
+            out += ',';
+        std::vector<Frame> stack{{&roots[i], 0}};
+        out += fields(roots[i]) + ",\"children\":[";
         while (!stack.empty()) {
             Frame& top = stack.back();
             if (top.next < top.node->children.size()) {
-                const MarkdownInline* child = &top.node->children[top.next++];
-                stack.push_back({child, 0, {}});
+                const MarkdownInline& child = top.node->children[top.next];
+                if (top.next++)
+                    out += ',';
+                out += fields(child) + ",\"children\":[";
+                stack.push_back({&child, 0});
                 continue;
             }
-            QJsonObject object;
-            addInlineKind(object, top.node->kind);
-            object.insert("range", rangeJson(top.node->range));
-            object.insert("contentRange", rangeJson(top.node->contentRange));
-            object.insert("markerRanges", rangesJson(top.node->markerRanges));
-            object.insert("children", top.children);
+            out += "]}";
             stack.pop_back();
-            if (stack.empty())
-                result.append(object);
-            else
-                stack.back().children.append(object);
         }
     }
-    return result;
+    out += ']';
 }
 
-QJsonObject blockJson(const MarkdownBlock& block)
+void writeBlock(QByteArray& out, const MarkdownBlock& block)
 {
     QJsonObject object;
     addKind(object, block.kind);
@@ -253,14 +260,20 @@ QJsonObject blockJson(const MarkdownBlock& block)
     object.insert("markerRanges", rangesJson(block.markerRanges));
     object.insert("quoteDepth", block.quoteDepth);
     object.insert("listDepth", block.listDepth);
-    object.insert("inlines", inlinesJson(block.inlines));
+    QByteArray json = QJsonDocument(object).toJson(QJsonDocument::Compact);
+    json.chop(1);
+    out += json + ",\"inlines\":";
+    writeInlines(out, block.inlines);
     if (!block.children.empty()) {
-        QJsonArray children;
-        for (const MarkdownBlock& child : block.children)
-            children.append(blockJson(child));
-        object.insert("children", children);
+        out += ",\"children\":[";
+        for (size_t i = 0; i < block.children.size(); ++i) {
+            if (i)
+                out += ',';
+            writeBlock(out, block.children[i]);
+        }
+        out += ']';
     }
-    return object;
+    out += '}';
 }
 
 struct Switch {
@@ -322,15 +335,21 @@ int runParse(const QStringList& arguments)
     if (!text)
         return 1;
     const MarkdownDocument document = MarkdownDocument::parse(*text, options);
-    QJsonArray blocks;
-    for (const MarkdownBlock& block : document.blocks)
-        blocks.append(blockJson(block));
     QJsonObject links, footnotes;
     for (auto it = document.linkDefinitions.cbegin(); it != document.linkDefinitions.cend(); ++it)
         links.insert(it.key(), it.value());
     for (auto it = document.footnoteDefinitions.cbegin(); it != document.footnoteDefinitions.cend(); ++it)
         footnotes.insert(it.key(), it.value());
-    printJson(QJsonDocument(QJsonObject{{"blocks", blocks}, {"linkDefinitions", links}, {"footnoteDefinitions", footnotes}}));
+    // Compact: indentation would grow with the nesting depth of the inlines.
+    QByteArray out = "{\"blocks\":[";
+    for (size_t i = 0; i < document.blocks.size(); ++i) {
+        if (i)
+            out += ',';
+        writeBlock(out, document.blocks[i]);
+    }
+    out += "],\"linkDefinitions\":" + QJsonDocument(links).toJson(QJsonDocument::Compact);
+    out += ",\"footnoteDefinitions\":" + QJsonDocument(footnotes).toJson(QJsonDocument::Compact) + "}\n";
+    std::fwrite(out.constData(), 1, size_t(out.size()), stdout);
     return 0;
 }
 

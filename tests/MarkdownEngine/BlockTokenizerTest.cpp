@@ -1,6 +1,7 @@
 #include "MarkdownEngine/Core/MarkdownDocument.h"
 #include "MarkdownEngine/Parser/BlockTokenizer.h"
 
+#include <QElapsedTimer>
 #include <gtest/gtest.h>
 
 using namespace velmo::markdown;
@@ -87,7 +88,8 @@ TEST(BlockTokenizer, splitsAtLineFeedOnly)
     EXPECT_EQ(lines[0].fullRange, (MarkdownSourceRange{0, 7}));
     EXPECT_EQ(lines[0].contentRange, (MarkdownSourceRange{4, 1}));
     EXPECT_EQ(lines[0].quoteDepth, 2);
-    EXPECT_EQ(lines[0].quoteMarkers[1], (MarkdownSourceRange{2, 2}));
+    EXPECT_EQ(BlockTokenizer::quoteMarkers(lines[0], text)[1], (MarkdownSourceRange{2, 2}));
+    EXPECT_EQ(BlockTokenizer::quoteMarkers(lines[2], text).size(), 1);
     EXPECT_EQ(lines[1].text, u"b\rc"); // a lone CR stays inside the line
     EXPECT_EQ(lines[2].quoteDepth, 1);
     EXPECT_EQ(lines[2].text, u" > d");
@@ -242,4 +244,83 @@ TEST(BlockTokenizer, predicates)
     const auto footnote = BlockTokenizer::footnoteDefinition(u"[^e\u0301]: x");
     ASSERT_TRUE(footnote);
     EXPECT_EQ(footnote->contentOffset, 6); // grapheme clusters, not units
+}
+
+TEST(BlockTokenizer, lineEndsQuotesAndIndentation)
+{
+    runCases({
+        {"CRLF stays out of content", u"# a\r\nb\r\n", "heading(1) 0+5 2+1 [0+2]\nparagraph 5+3 5+1 []"},
+        {"setext with CRLF", u"a\r\n--\r\n", "heading(2s) 0+7 0+1 [3+2]"},
+        {"lone CR is inside a line", u"a\r# b", "paragraph 0+5 0+5 []"},
+        {"blank quoted line belongs to no block", u"> a\n>\n> b", "paragraph 0+4 2+1 [0+2] q1\nparagraph 6+3 8+1 [6+2] q1"},
+        {"depth change splits", u"> a\n> > b\n> c", "paragraph 0+4 2+1 [0+2] q1\nparagraph 4+6 8+1 [4+2 6+2] q2\nparagraph 10+3 12+1 [10+2] q1"},
+        {"fence closer at another depth stays inside", u"```\n> ```\n```", "fence(-,,closed) 0+13 4+6 [0+3 4+2 10+3]"},
+        {"fence interrupts a list item", u"- a\n  ```\n  b\n  ```", "listItem(-) 0+4 2+1 [0+2]\nfence(-,,closed) 4+15 10+4 [4+5 14+5]"},
+        {"ideographic space is trimmed", u"\u3000# a", "heading(1) 0+4 3+1 [1+2]"},
+        {"tab after a bullet", u"-\ta", "listItem(-) 0+3 2+1 [0+2]"},
+        {"no blank after the number", u"1.a", "paragraph 0+3 0+3 []"},
+        {"spaced stars are a break, not a list", u"* * *", "thematicBreak(*) 0+5 0+5 [0+5]"},
+        {"footnote offset counts the trimmed text", u"  [^a]: x", "footnoteDefinition(a) 0+9 6+3 [0+5]"},
+        {"list continuation by deeper quote", u"> - a\n> > b", "listItem(-) 0+11 4+7 [0+2 2+2 6+2 8+2] q1"},
+        {"setext underline indented four", u"a\n    ==", "paragraph 0+8 0+8 []"},
+        {"setext across quote depths", u"> a\n==", "paragraph 0+4 2+1 [0+2] q1\nparagraph 4+2 4+2 []"},
+    });
+}
+
+TEST(BlockTokenizer, tableWidthLimit)
+{
+    MarkdownParseOptions options;
+    options.maxTableColumns = 2;
+    runCases({{"exactly the limit", u"a|b\n-|-", "table 0+7 0+7 [0+3 4+3]"},
+              {"beyond the limit", u"a|b|c\n-|-|-", "paragraph 0+11 0+11 []"}},
+             options);
+}
+
+TEST(BlockTokenizer, inlinesFollowTheirBlocks)
+{
+    const MarkdownDocument document = MarkdownDocument::parse(
+        QStringLiteral("```\n*x*\n```\n| a | *b* |\n|-|-|\n| c |\n\n::note *n*\n$$\n*y*\n$$\n"));
+    ASSERT_EQ(document.blocks.size(), 4u);
+    EXPECT_TRUE(document.blocks[0].inlines.empty()); // fences keep their text raw
+    EXPECT_TRUE(document.blocks[3].inlines.empty());
+    // Table inlines follow the cells, row by row; an empty cell adds none.
+    const auto* table = document.blocks[1].as<block_kind::Table>();
+    ASSERT_TRUE(table);
+    std::vector<MarkdownSourceRange> cells;
+    for (const auto& row : table->table.rows)
+        for (const MarkdownTableCell& cell : row)
+            if (cell.range.length > 0)
+                cells.push_back(cell.range);
+    std::vector<MarkdownSourceRange> covered;
+    for (const MarkdownInline& node : document.blocks[1].inlines) {
+        if (!covered.empty() && covered.back().upperBound() == node.range.location)
+            covered.back().length += node.range.length;
+        else
+            covered.push_back(node.range);
+    }
+    EXPECT_EQ(covered, cells);
+    // A leaf directive's line is inline text like any other.
+    const MarkdownBlock& directive = document.blocks[2];
+    ASSERT_FALSE(directive.inlines.empty());
+    EXPECT_EQ(directive.inlines.front().range.location, directive.contentRange.location);
+    EXPECT_EQ(directive.inlines.back().range.upperBound(), directive.contentRange.upperBound());
+}
+
+TEST(BlockTokenizer, closerSearchesStayLinear)
+{
+    // Every opener here lacks a closer; a search per opener over the rest would be quadratic.
+    // Four times the lines must cost about four times as much, not sixteen; a ratio holds on
+    // slow and sanitized builds alike.
+    const auto blockPass = [](int lines) {
+        const QString text = QStringLiteral("\\[ x\n\n").repeated(lines);
+        QElapsedTimer timer;
+        timer.start();
+        BlockTokenizer tokenizer(text, {});
+        const std::vector<MarkdownBlock> blocks = tokenizer.parseBlocks();
+        EXPECT_EQ(blocks.size(), size_t(lines));
+        return timer.nsecsElapsed();
+    };
+    const qint64 small = blockPass(20'000);
+    const qint64 large = blockPass(80'000);
+    EXPECT_LT(large, 10 * small + 50'000'000) << small << " ns, then " << large << " ns";
 }

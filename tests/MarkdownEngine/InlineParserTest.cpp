@@ -344,6 +344,10 @@ TEST(InlineParser, linesStayInsideText)
         {u"a  \nb", u"\"a  \nb\""},
         {u"*a\nb*", u"em{\"a\nb\"}"},
         {u"&amp;", u"\"&amp;\""},
+        {u"\t*a*", u"\"\t\" em{\"a\"}"},
+        {u"*a\n> b*", u"em{\"a\n> b\"}"},           // a quote prefix inside the range is text
+        {u"[a\rb](c)", u"link(c){\"a\rb\"}"},         // only LF stops a link text
+        {u"[a\r\nb](c)", u"\"[a\r\nb](c)\""},
     });
 }
 
@@ -420,6 +424,8 @@ TEST(InlineParser, deepNestingFitsAWorkerThreadStack)
             }
             const std::vector<MarkdownInlineNode> nodes = MarkdownInlineNode::from(inlines, text);
             EXPECT_EQ(nodes.size(), inlines.size());
+            const std::vector<MarkdownInlineNode> copies = nodes;
+            EXPECT_EQ(copies, nodes);
         }));
         thread->setStackSize(512 * 1024);
         thread->start();

@@ -1,7 +1,9 @@
 #include "MarkdownEngine/Core/MarkdownDocument.h"
 #include "MarkdownEngine/Core/MarkdownSourceEditorState.h"
 
+#include <QThread>
 #include <gtest/gtest.h>
+#include <memory>
 
 using namespace velmo::markdown;
 
@@ -90,4 +92,26 @@ TEST(MarkdownSourceEditorState, selectionQueries)
     EXPECT_FALSE(selection.contains({3, 4}));
     EXPECT_FALSE(selection.caretInside({0, 10}));
     EXPECT_TRUE(MarkdownSourceEditorState::none().isEmpty());
+}
+
+TEST(MarkdownDocument, deepTreesCopyWalkAndFreeWithoutRecursion)
+{
+    // A 100,000-deep chain on a 512 KB worker stack: recursion per level could not survive it.
+    int visited = 0;
+    size_t copiedChildren = 0;
+    std::unique_ptr<QThread> worker(QThread::create([&] {
+        MarkdownInline root(inline_kind::Emphasis{}, {0, 1});
+        MarkdownInline* node = &root;
+        for (int depth = 0; depth < 100'000; ++depth)
+            node = &node->children.emplace_back(inline_kind::Emphasis{}, MarkdownSourceRange{0, 1});
+        MarkdownInline copy = root;
+        copy.forEach([&visited](const MarkdownInline&) { ++visited; });
+        copy = root;
+        copiedChildren = copy.children.size();
+    }));
+    worker->setStackSize(512 * 1024);
+    worker->start();
+    worker->wait();
+    EXPECT_EQ(visited, 100'001);
+    EXPECT_EQ(copiedChildren, 1u);
 }

@@ -61,9 +61,21 @@ struct MarkdownInline {
           markerRanges(std::move(markerRanges)), children(std::move(children))
     {
     }
-    MarkdownInline(const MarkdownInline&) = default;
+    // Copies are deep, built level by level with a worklist so that depth costs heap, not stack.
+    MarkdownInline(const MarkdownInline& other)
+        : kind(other.kind), range(other.range), contentRange(other.contentRange), markerRanges(other.markerRanges)
+    {
+        copyChildren(*this, other);
+    }
     MarkdownInline(MarkdownInline&&) noexcept = default;
-    MarkdownInline& operator=(const MarkdownInline&) = default;
+    MarkdownInline& operator=(const MarkdownInline& other)
+    {
+        if (this != &other) {
+            MarkdownInline copy(other);
+            *this = std::move(copy);
+        }
+        return *this;
+    }
     MarkdownInline& operator=(MarkdownInline&&) noexcept = default;
     // Emphasis can nest tens of thousands deep: tear the subtree down with a heap worklist,
     // not with one stack frame per level.
@@ -94,6 +106,23 @@ struct MarkdownInline {
     }
 
 private:
+    static void copyChildren(MarkdownInline& target, const MarkdownInline& source)
+    {
+        std::vector<std::pair<MarkdownInline*, const MarkdownInline*>> pending{{&target, &source}};
+        while (!pending.empty()) {
+            auto [to, from] = pending.back();
+            pending.pop_back();
+            // Reserved first, so the addresses taken below stay valid.
+            to->children.reserve(from->children.size());
+            for (const MarkdownInline& child : from->children) {
+                MarkdownInline& copy = to->children.emplace_back(child.kind, child.range, child.contentRange,
+                                                                 child.markerRanges);
+                if (!child.children.empty())
+                    pending.emplace_back(&copy, &child);
+            }
+        }
+    }
+
     static void dismantle(std::vector<MarkdownInline>& nodes) noexcept
     {
         std::vector<MarkdownInline> pending = std::move(nodes);

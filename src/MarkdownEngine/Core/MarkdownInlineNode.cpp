@@ -55,6 +55,31 @@ MarkdownInlineNodeKind converted(const MarkdownInline& node, QStringView text)
 
 }
 
+MarkdownInlineNode::MarkdownInlineNode(const MarkdownInlineNode& other) : kind(other.kind)
+{
+    std::vector<std::pair<MarkdownInlineNode*, const MarkdownInlineNode*>> pending{{this, &other}};
+    while (!pending.empty()) {
+        const auto [to, from] = pending.back();
+        pending.pop_back();
+        // Reserved first, so the addresses taken below stay valid.
+        to->children.reserve(from->children.size());
+        for (const MarkdownInlineNode& child : from->children) {
+            MarkdownInlineNode& copy = to->children.emplace_back(child.kind);
+            if (!child.children.empty())
+                pending.emplace_back(&copy, &child);
+        }
+    }
+}
+
+MarkdownInlineNode& MarkdownInlineNode::operator=(const MarkdownInlineNode& other)
+{
+    if (this != &other) {
+        MarkdownInlineNode copy(other);
+        *this = std::move(copy);
+    }
+    return *this;
+}
+
 MarkdownInlineNode::~MarkdownInlineNode()
 {
     if (children.empty())

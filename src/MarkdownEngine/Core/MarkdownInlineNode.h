@@ -47,11 +47,12 @@ struct MarkdownInlineNode {
         : kind(std::move(kind)), children(std::move(children))
     {
     }
-    MarkdownInlineNode(const MarkdownInlineNode&) = default;
+    // Trees may nest tens of thousands deep: copied and torn down from heap worklists, so
+    // that depth costs heap, not stack.
+    MarkdownInlineNode(const MarkdownInlineNode& other);
     MarkdownInlineNode(MarkdownInlineNode&&) noexcept = default;
-    MarkdownInlineNode& operator=(const MarkdownInlineNode&) = default;
+    MarkdownInlineNode& operator=(const MarkdownInlineNode& other);
     MarkdownInlineNode& operator=(MarkdownInlineNode&&) noexcept = default;
-    // Trees may nest tens of thousands deep: torn down from a heap worklist.
     ~MarkdownInlineNode();
 
     template<typename Kind>

@@ -64,7 +64,7 @@ MarkdownDocument BlockTokenizer::document(const QString& text, const MarkdownPar
     document.text = tokenizer.m_text;
     document.options = options;
     document.blocks = tokenizer.parseBlocks();
-    attachQuoteMarkers(document.blocks, tokenizer.m_lines);
+    attachQuoteMarkers(document.blocks, tokenizer.m_lines, tokenizer.m_ns);
     document.footnoteDefinitions = std::move(tokenizer.m_footnoteDefinitions);
     document.linkDefinitions = std::move(tokenizer.m_linkDefinitions);
     QSet<QString> footnoteLabels;
@@ -92,11 +92,9 @@ std::vector<BlockTokenizer::SourceLine> BlockTokenizer::split(QStringView text)
         line.fullRange = MarkdownSourceRange::fromBounds(int(start), int(end));
         qsizetype p = start;
         while (p < contentEnd && text[p] == u'>') {
-            const int length = p + 1 < contentEnd && text[p + 1] == u' ' ? 2 : 1;
-            line.quoteMarkers.append({int(p), length});
-            p += length;
+            p += p + 1 < contentEnd && text[p + 1] == u' ' ? 2 : 1;
+            ++line.quoteDepth;
         }
-        line.quoteDepth = int(line.quoteMarkers.size());
         line.contentRange = MarkdownSourceRange::fromBounds(int(p), int(contentEnd));
         line.text = text.mid(p, contentEnd - p);
         for (QChar c : line.text) {
@@ -547,13 +545,28 @@ void BlockTokenizer::parseParagraph(std::vector<MarkdownBlock>& into)
     m_cursor = end;
 }
 
-void BlockTokenizer::attachQuoteMarkers(std::vector<MarkdownBlock>& blocks, const std::vector<SourceLine>& lines)
+BlockTokenizer::QuoteMarkers BlockTokenizer::quoteMarkers(const SourceLine& line, QStringView text)
+{
+    QuoteMarkers markers;
+    const int contentStart = line.contentRange.location;
+    // The prefix ends where the content starts, so a space belongs to a marker exactly when it
+    // lies before that point.
+    for (int p = line.fullRange.location; p < contentStart;) {
+        const int length = p + 1 < contentStart && text[p + 1] == u' ' ? 2 : 1;
+        markers.append({p, length});
+        p += length;
+    }
+    return markers;
+}
+
+void BlockTokenizer::attachQuoteMarkers(std::vector<MarkdownBlock>& blocks, const std::vector<SourceLine>& lines,
+                                        QStringView text)
 {
     size_t lineIndex = 0;
     std::vector<MarkdownSourceRange> sortedOwn;
     for (MarkdownBlock& block : blocks) {
         if (!block.children.empty())
-            attachQuoteMarkers(block.children, lines);
+            attachQuoteMarkers(block.children, lines, text);
         while (lineIndex < lines.size() && lines[lineIndex].fullRange.location < block.range.location)
             ++lineIndex;
         const qsizetype own = block.markerRanges.size();
@@ -577,7 +590,9 @@ void BlockTokenizer::attachQuoteMarkers(std::vector<MarkdownBlock>& blocks, cons
         };
         size_t k = lineIndex;
         for (; k < lines.size() && lines[k].fullRange.location < block.range.upperBound(); ++k) {
-            for (const MarkdownSourceRange& marker : lines[k].quoteMarkers) {
+            if (lines[k].quoteDepth == 0)
+                continue;
+            for (const MarkdownSourceRange& marker : quoteMarkers(lines[k], text)) {
                 if (!isOwn(marker))
                     block.markerRanges.append(marker);
             }

@@ -26,17 +26,17 @@ namespace velmo::markdown {
 //    of the note is known.
 class BlockTokenizer {
 public:
+    // One line; compact, as a note of short lines has one of these per few bytes. The quote
+    // markers are not stored: `quoteMarkers` reads them back from the text.
     struct SourceLine {
         MarkdownSourceRange fullRange;    // with the terminator
         MarkdownSourceRange contentRange; // after the quote prefix, without the terminator
         int quoteDepth = 0;
-        // Each covers a `>` and the one space after it, if any.
-        QVarLengthArray<MarkdownSourceRange, 2> quoteMarkers;
-        int indent = 0; // leading blanks of `text`: tab 4, space 1
-        std::optional<MarkdownListMarker> listMarker; // never filled: markers are found on demand
+        int indent = 0;   // leading blanks of `text`: tab 4, space 1
         QStringView text; // the characters of contentRange, a view into the note
         bool isBlank = true;
     };
+    using QuoteMarkers = QVarLengthArray<MarkdownSourceRange, 4>;
 
     struct FootnoteMatch {
         QString label;
@@ -64,7 +64,10 @@ public:
 
     [[nodiscard]] static std::vector<SourceLine> split(QStringView text);
     [[nodiscard]] std::vector<MarkdownBlock> parseBlocks();
-    static void attachQuoteMarkers(std::vector<MarkdownBlock>& blocks, const std::vector<SourceLine>& lines);
+    // Each covers a `>` and the one space after it, if any.
+    [[nodiscard]] static QuoteMarkers quoteMarkers(const SourceLine& line, QStringView text);
+    static void attachQuoteMarkers(std::vector<MarkdownBlock>& blocks, const std::vector<SourceLine>& lines,
+                                   QStringView text);
     static void attachInlines(std::vector<MarkdownBlock>& blocks, const InlineParser::Context& context);
 
     // Shared with the editing commands. `trimmed` means trimmed of tabs and Zs.

@@ -262,9 +262,10 @@ std::optional<InlineAtomScanner::Atom> InlineAtomScanner::wikiLink(int p, int en
     const QStringView target = chars::trimmed(bar < 0 ? inner : inner.left(bar));
     if (target.isEmpty())
         return std::nullopt;
-    const QStringView display = bar < 0 ? target : chars::trimmed(inner.mid(bar + 1));
+    QString targetText = target.toString();
+    QString display = bar < 0 ? targetText : chars::trimmed(inner.mid(bar + 1)).toString();
     const MarkdownSourceRange content = between(p + 2, q);
-    MarkdownInline node{inline_kind::WikiLink{target.toString(), display.toString()}, between(p, q + 2), content,
+    MarkdownInline node{inline_kind::WikiLink{std::move(targetText), std::move(display)}, between(p, q + 2), content,
                         {{p, 2}, {q, 2}}};
     node.children.emplace_back(inline_kind::Text{}, content);
     return Atom{std::move(node)};

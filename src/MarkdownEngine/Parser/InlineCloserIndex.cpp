@@ -4,9 +4,35 @@
 
 namespace velmo::markdown {
 
-InlineCloserIndex::InlineCloserIndex(QStringView text, MarkdownSourceRange range)
-    : m_text(text), m_range(range)
+InlineCloserIndex::InlineCloserIndex(QStringView text, MarkdownSourceRange range, qint64 directBudget)
+    : m_text(text), m_range(range), m_budget(directBudget >= 0 ? directBudget : 2 * qint64(range.length) + 256)
 {
+    m_useTables = m_budget == 0;
+}
+
+std::optional<int> InlineCloserIndex::scanPartner(int p, int end, char16_t open, char16_t close,
+                                                  bool lineEndFailsEveryDepth)
+{
+    int depth = 0;
+    std::optional<int> found;
+    int i = p;
+    for (; i < end; ++i) {
+        const char16_t unit = m_text[i].unicode();
+        if (unit == u'\\') {
+            ++i;
+        } else if (unit == open) {
+            ++depth;
+        } else if (unit == close) {
+            if (--depth == 0) {
+                found = i;
+                break;
+            }
+        } else if (unit == u'\n' && (lineEndFailsEveryDepth || depth == 1)) {
+            break;
+        }
+    }
+    m_useTables = tablesTakeOver(i - p);
+    return found;
 }
 
 // One pass for every opener at once. The scan from an opener p meets the same units as a
@@ -76,6 +102,8 @@ std::optional<int> InlineCloserIndex::partnerOf(const Partners& partners, size_t
 
 std::optional<int> InlineCloserIndex::matchingBracket(int p, int end)
 {
+    if (!m_useTables)
+        return scanPartner(p, end, u'[', u']', false);
     if (!m_brackets) {
         m_brackets.emplace();
         buildPartners(*m_brackets, u'[', u']', false);
@@ -85,6 +113,8 @@ std::optional<int> InlineCloserIndex::matchingBracket(int p, int end)
 
 std::optional<int> InlineCloserIndex::matchingParen(int p, int end)
 {
+    if (!m_useTables)
+        return scanPartner(p, end, u'(', u')', true);
     if (!m_parens) {
         m_parens.emplace();
         buildPartners(*m_parens, u'(', u')', true);
@@ -94,6 +124,25 @@ std::optional<int> InlineCloserIndex::matchingParen(int p, int end)
 
 std::optional<int> InlineCloserIndex::backtickRun(int from, int length, int end)
 {
+    if (!m_useTables) {
+        std::optional<int> found;
+        int i = from;
+        while (i < end) {
+            if (m_text[i] != u'`') {
+                ++i;
+                continue;
+            }
+            const int start = i;
+            while (i < end && m_text[i] == u'`')
+                ++i;
+            if (i - start == length) {
+                found = start;
+                break;
+            }
+        }
+        m_useTables = tablesTakeOver(i - from);
+        return found;
+    }
     if (!m_runsByStart) {
         m_runsByStart.emplace();
         const int rangeEnd = m_range.upperBound();
@@ -128,8 +177,20 @@ std::optional<int> InlineCloserIndex::backtickRun(int from, int length, int end)
 }
 
 // The first position of `unit` (or of a doubled `unit`) at or after `from`.
-std::optional<int> InlineCloserIndex::firstPosition(char16_t unit, bool doubledUnit, int from)
+std::optional<int> InlineCloserIndex::firstPosition(char16_t unit, bool doubledUnit, int from, int end)
 {
+    if (!m_useTables) {
+        std::optional<int> found;
+        int i = from;
+        for (; i < end; ++i) {
+            if (m_text[i] == unit && (!doubledUnit || (i + 1 < end && m_text[i + 1] == unit))) {
+                found = i;
+                break;
+            }
+        }
+        m_useTables = tablesTakeOver(i - from);
+        return found;
+    }
     const int slot = !doubledUnit ? (unit == u'$' ? 0 : 1) : unit == u'$' ? 2 : unit == u'~' ? 3 : 4;
     std::optional<std::vector<int>>& positions = m_positions[slot];
     if (!positions) {
@@ -158,19 +219,19 @@ std::optional<int> InlineCloserIndex::firstPosition(char16_t unit, bool doubledU
 
 std::optional<int> InlineCloserIndex::dollar(int from, int end)
 {
-    const std::optional<int> found = firstPosition(u'$', false, from);
+    const std::optional<int> found = firstPosition(u'$', false, from, end);
     return found && *found < end ? found : std::nullopt;
 }
 
 std::optional<int> InlineCloserIndex::lineFeed(int from, int end)
 {
-    const std::optional<int> found = firstPosition(u'\n', false, from);
+    const std::optional<int> found = firstPosition(u'\n', false, from, end);
     return found && *found < end ? found : std::nullopt;
 }
 
 std::optional<int> InlineCloserIndex::doubled(char16_t unit, int from, int end)
 {
-    const std::optional<int> found = firstPosition(unit, true, from);
+    const std::optional<int> found = firstPosition(unit, true, from, end);
     return found && *found + 2 <= end ? found : std::nullopt;
 }
 

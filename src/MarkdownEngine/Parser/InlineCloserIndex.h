@@ -9,10 +9,11 @@
 
 namespace velmo::markdown {
 
-// Where the closers of inline constructs stand in one range, each table found in one pass
-// when first asked for. The scans as written restart at every opener, which is quadratic on
-// hostile input (100,000 unclosed brackets, backtick runs without partners); a lookup here
-// gives exactly what such a scan would, in logarithmic time.
+// Where the closers of inline constructs stand in one range. The scans as written restart at
+// every opener, which is quadratic on hostile input (100,000 unclosed brackets, backtick runs
+// without partners). Queries start as those direct scans, which suit ordinary text best; once
+// they have cost more than a couple of passes over the range, each kind of closer gets a table
+// built in one pass, and lookups there give exactly what the scan would, in logarithmic time.
 //
 // Built for a top-level range, it answers for any subrange of it too: each query takes the
 // subrange's end, and a closer at or beyond it counts as none, which is what a scan confined
@@ -20,7 +21,9 @@ namespace velmo::markdown {
 // treat as one unit (subranges start and end next to `[`, `]`, `*`, `_`, `~` or `=`).
 class InlineCloserIndex {
 public:
-    InlineCloserIndex(QStringView text, MarkdownSourceRange range);
+    // `directBudget` is how many units direct scans may visit before the tables take over;
+    // by default twice the range plus a little.
+    InlineCloserIndex(QStringView text, MarkdownSourceRange range, qint64 directBudget = -1);
 
     // The `]` partnering the `[` at p: `[` adds 1, `]` takes 1 off, a backslash skips the unit
     // after it, and LF at depth 1 fails.
@@ -47,13 +50,24 @@ private:
         friend bool operator<(Run a, Run b) { return a.length != b.length ? a.length < b.length : a.start < b.start; }
     };
 
+    // Counts direct work; true once the tables should take over.
+    bool tablesTakeOver(int work)
+    {
+        m_directWork += work;
+        return m_directWork > m_budget;
+    }
+    std::optional<int> scanPartner(int p, int end, char16_t open, char16_t close, bool lineEndFailsEveryDepth);
+
     void buildPartners(Partners& partners, char16_t open, char16_t close, bool lineEndFailsEveryDepth) const;
     // Queries mostly come in increasing order: `hint` remembers the last answer's slot.
     static std::optional<int> partnerOf(const Partners& partners, size_t& hint, int p, int end);
-    std::optional<int> firstPosition(char16_t unit, bool doubledUnit, int from);
+    std::optional<int> firstPosition(char16_t unit, bool doubledUnit, int from, int end);
 
     QStringView m_text;
     MarkdownSourceRange m_range;
+    bool m_useTables = false;
+    qint64 m_directWork = 0;
+    qint64 m_budget;
     std::optional<Partners> m_brackets;
     std::optional<Partners> m_parens;
     size_t m_bracketHint = 0;

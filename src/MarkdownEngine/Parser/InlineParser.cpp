@@ -6,6 +6,7 @@
 
 #include <QChar>
 #include <algorithm>
+#include <array>
 #include <optional>
 
 namespace velmo::markdown {
@@ -30,23 +31,20 @@ bool isFlankingPunctuation(char16_t unit)
     return !QChar::isSurrogate(unit) && chars::isPunctuation(unit);
 }
 
-// The units at which some atom may start.
-bool mayStartAtom(char16_t unit)
+// What the walk stops at: units that may start an atom, and the emphasis delimiters.
+enum class Stop : unsigned char { none, atom, delimiter };
+
+constexpr std::array<Stop, 128> stopTable()
 {
-    switch (unit) {
-    case u'!':
-    case u'$':
-    case u'<':
-    case u'=':
-    case u'[':
-    case u'\\':
-    case u'`':
-    case u'~':
-        return true;
-    default:
-        return false;
-    }
+    std::array<Stop, 128> table{};
+    for (char16_t unit : u"!$<=[\\`~")
+        table[unit] = Stop::atom;
+    table[u'*'] = Stop::delimiter;
+    table[u'_'] = Stop::delimiter;
+    table[0] = Stop::none;
+    return table;
 }
+constexpr std::array<Stop, 128> stops = stopTable();
 
 // One range being walked. A link, strikethrough or highlight found by the walk waits in
 // `pending` while a frame above it parses its inner text.
@@ -54,6 +52,7 @@ struct Frame {
     MarkdownSourceRange range;
     int position = 0;
     std::vector<MarkdownInline> atoms; // by location; their ranges are the claimed ones
+    QVarLengthArray<InlineParser::Delimiter, 16> delimiters;
     MarkdownInline pending;
 };
 
@@ -64,14 +63,30 @@ struct EmphasisSpan {
     int width;
 };
 
-// Walks the frame from where it stopped. Returns the inner range to parse when an atom needs
-// its children first; nothing once the frame's end is reached.
+// Walks the frame from where it stopped. The walk visits exactly the units outside claimed
+// ranges, so it collects the emphasis delimiters on the way. Returns the inner range to parse
+// when an atom needs its children first; nothing once the frame's end is reached.
 std::optional<MarkdownSourceRange> scanAtoms(Frame& frame, InlineAtomScanner& scanner, QStringView text)
 {
     const int end = frame.range.upperBound();
+    const char16_t* units = text.utf16();
     for (int p = frame.position; p < end;) {
-        if (!mayStartAtom(text[p].unicode())) {
+        // Most units stop nothing: skip them in a tight loop.
+        while (p < end && (units[p] >= 128 || stops[units[p]] == Stop::none))
             ++p;
+        if (p >= end)
+            break;
+        const char16_t unit = units[p];
+        const Stop stop = stops[unit];
+        if (stop == Stop::delimiter) {
+            // No atom starts with `*` or `_`, so a run never reaches into a claimed range.
+            int runEnd = p + 1;
+            while (runEnd < end && text[runEnd] == unit)
+                ++runEnd;
+            const char16_t before = p > 0 ? text[p - 1].unicode() : u'\n';
+            const char16_t after = runEnd < end ? text[runEnd].unicode() : u'\n';
+            frame.delimiters.push_back(InlineParser::flanking(unit, p, runEnd - p, before, after));
+            p = runEnd;
             continue;
         }
         std::optional<InlineAtomScanner::Atom> atom = scanner.atomAt(p, end);
@@ -84,49 +99,26 @@ std::optional<MarkdownSourceRange> scanAtoms(Frame& frame, InlineAtomScanner& sc
             return frame.pending.contentRange;
         }
         p = atom->node.range.upperBound();
+        if (frame.atoms.empty())
+            frame.atoms.reserve(8);
         frame.atoms.push_back(std::move(atom->node));
     }
     frame.position = end;
     return std::nullopt;
 }
 
-std::vector<InlineParser::Delimiter> collectDelimiters(const Frame& frame, QStringView text)
-{
-    std::vector<InlineParser::Delimiter> delimiters;
-    const int end = frame.range.upperBound();
-    size_t next = 0; // the first atom not yet passed
-    for (int i = frame.range.location; i < end;) {
-        if (next < frame.atoms.size() && frame.atoms[next].range.location <= i) {
-            i = std::max(i, frame.atoms[next].range.upperBound());
-            ++next;
-            continue;
-        }
-        const char16_t unit = text[i].unicode();
-        if (unit != u'*' && unit != u'_') {
-            ++i;
-            continue;
-        }
-        int runEnd = i;
-        while (runEnd < end && text[runEnd] == unit)
-            ++runEnd;
-        const char16_t before = i > 0 ? text[i - 1].unicode() : u'\n';
-        const char16_t after = runEnd < end ? text[runEnd].unicode() : u'\n';
-        delimiters.push_back(InlineParser::flanking(unit, i, runEnd - i, before, after));
-        i = runEnd;
-    }
-    return delimiters;
-}
-
 // Any closer closes the opener on top of the stack; both runs are used up whole.
-std::vector<EmphasisSpan> matchEmphasis(const std::vector<InlineParser::Delimiter>& delimiters)
+using EmphasisSpans = QVarLengthArray<EmphasisSpan, 8>;
+
+EmphasisSpans matchEmphasis(const QVarLengthArray<InlineParser::Delimiter, 16>& delimiters)
 {
-    std::vector<EmphasisSpan> spans;
-    std::vector<size_t> openers;
-    for (size_t i = 0; i < delimiters.size(); ++i) {
+    EmphasisSpans spans;
+    QVarLengthArray<qsizetype, 16> openers;
+    for (qsizetype i = 0; i < delimiters.size(); ++i) {
         const InlineParser::Delimiter& closer = delimiters[i];
         if (closer.canClose && !openers.empty()) {
             const InlineParser::Delimiter& opener = delimiters[openers.back()];
-            openers.pop_back();
+            openers.removeLast();
             const int width = opener.count >= 2 && closer.count >= 2 ? 2 : 1;
             const MarkdownEmphasis emphasis = opener.count > 2 && closer.count > 2 ? MarkdownEmphasis::boldItalic
                 : width == 2                                                      ? MarkdownEmphasis::bold
@@ -153,7 +145,7 @@ void appendText(std::vector<MarkdownInline>& into, int from, int to)
 // Atoms and emphasis in location order, each at or after the cursor of the level it falls
 // in, gaps as text. An emphasis span is a level of its own: what lies in its content becomes
 // its children, which is what parsing that content again would give.
-std::vector<MarkdownInline> merged(std::vector<MarkdownInline>& atoms, const std::vector<EmphasisSpan>& spans,
+std::vector<MarkdownInline> merged(std::vector<MarkdownInline>& atoms, const EmphasisSpans& spans,
                                    MarkdownSourceRange range)
 {
     if (atoms.empty() && spans.empty()) {
@@ -166,14 +158,14 @@ std::vector<MarkdownInline> merged(std::vector<MarkdownInline>& atoms, const std
         int cursor;
         const EmphasisSpan* span; // null for the range itself
     };
-    std::vector<Level> levels;
+    QVarLengthArray<Level, 8> levels;
     levels.push_back({{}, range.location, nullptr});
     // Each item brings at most one gap before it: reserving the bound spares the regrowth of a
     // large vector, and pages never written are never touched.
     levels.back().inlines.reserve(2 * (atoms.size() + spans.size()) + 1);
     const auto closeLevel = [&levels] {
         Level level = std::move(levels.back());
-        levels.pop_back();
+        levels.removeLast();
         const EmphasisSpan& span = *level.span;
         appendText(level.inlines, level.cursor, span.content.upperBound());
         Level& parent = levels.back();
@@ -184,7 +176,7 @@ std::vector<MarkdownInline> merged(std::vector<MarkdownInline>& atoms, const std
         parent.cursor = span.range.upperBound();
     };
     size_t atom = 0;
-    size_t span = 0;
+    qsizetype span = 0;
     while (atom < atoms.size() || span < spans.size()) {
         // Atoms came first in the list the two are merged from, so they win ties.
         const bool takeSpan = span < spans.size()
@@ -195,7 +187,10 @@ std::vector<MarkdownInline> merged(std::vector<MarkdownInline>& atoms, const std
         Level& level = levels.back();
         if (location < level.cursor) {
             // An overlap goes to the earlier start.
-            ++(takeSpan ? span : atom);
+            if (takeSpan)
+                ++span;
+            else
+                ++atom;
             continue;
         }
         appendText(level.inlines, level.cursor, location);
@@ -257,17 +252,17 @@ std::vector<MarkdownInline> InlineParser::parse(MarkdownSourceRange range, const
     // Inner ranges are walked as frames on this stack; an inner range lies between its
     // opener and closer, so the walk as a whole moves forward through the text and each unit
     // is walked once.
-    std::vector<Frame> frames;
-    frames.push_back({clipped, clipped.location, {}, {}});
+    QVarLengthArray<Frame, 2> frames;
+    frames.push_back({clipped, clipped.location, {}, {}, {}});
     while (true) {
         if (const std::optional<MarkdownSourceRange> inner = scanAtoms(frames.back(), scanner, context.ns)) {
-            frames.push_back({*inner, inner->location, {}, {}});
+            frames.push_back({*inner, inner->location, {}, {}, {}});
             continue;
         }
         Frame& frame = frames.back();
         std::vector<MarkdownInline> inlines =
-            merged(frame.atoms, matchEmphasis(collectDelimiters(frame, context.ns)), frame.range);
-        frames.pop_back();
+            merged(frame.atoms, matchEmphasis(frame.delimiters), frame.range);
+        frames.removeLast();
         if (frames.empty())
             return inlines;
         Frame& parent = frames.back();
