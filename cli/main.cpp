@@ -21,6 +21,7 @@ constexpr Command commands[] = {
     {"tags", runTags, "tags FILE|-"},
     {"tex", runTex, "tex [--display] [--size PT] [--png FILE] SOURCE"},
     {"highlight", runHighlight, "highlight LANGUAGE FILE|-"},
+    {"edit", runEdit, "edit COMMAND [ARGUMENT] --select LOC,LEN FILE|-"},
 };
 
 void printUsage()

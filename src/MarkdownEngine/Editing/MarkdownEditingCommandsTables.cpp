@@ -1,0 +1,82 @@
+// The table commands: one replacement of the table's text and a caret in the chosen cell.
+
+#include "MarkdownEngine/Core/TextCharacters.h"
+#include "MarkdownEngine/Editing/MarkdownEditingCommands.h"
+#include "MarkdownEngine/Editing/MarkdownTableSource.h"
+
+#include <QStringList>
+
+namespace velmo::markdown {
+
+using Edit = MarkdownEditingCommands::Edit;
+
+std::optional<Edit> MarkdownEditingCommands::tableEdit(const QString& text, MarkdownSourceRange selection,
+                                                       MarkdownTableCommand command)
+{
+    selection = clamped(text, selection);
+    const auto shape = MarkdownTableSource::tableShape(text, selection);
+    if (!shape)
+        return std::nullopt;
+    auto source = MarkdownTableSource::make(text, *shape, selection.location, command);
+    if (!source)
+        return std::nullopt;
+    const auto cell = source->apply();
+    if (!cell)
+        return std::nullopt;
+    if (source->lines.empty()) {
+        // The whole table goes, its last terminator with it, so no empty line is left behind.
+        const int end = int(chars::lineAt(text, shape->range.upperBound()).end);
+        return replacing(text, MarkdownSourceRange::fromBounds(shape->range.location, end), {},
+                         {shape->range.location, 0});
+    }
+    return replacing(text, shape->range, source->markdown(),
+                     {shape->range.location + source->caretOffset(cell->first, cell->second), 0});
+}
+
+std::optional<Edit> MarkdownEditingCommands::tidyTable(const QString& text, MarkdownSourceRange selection)
+{
+    selection = clamped(text, selection);
+    const auto shape = MarkdownTableSource::tableShape(text, selection);
+    if (!shape)
+        return std::nullopt;
+    const auto source = MarkdownTableSource::make(text, *shape, selection.location);
+    if (!source)
+        return std::nullopt;
+    const MarkdownTableSource tidy = source->realigning();
+    const int row = std::clamp(source->row, 0, std::max(0, tidy.rowCount() - 1));
+    const int column = std::clamp(source->column, 0, std::max(0, tidy.columnCount() - 1));
+    return replacing(text, shape->range, tidy.markdown(), {shape->range.location + tidy.caretOffset(row, column), 0});
+}
+
+std::optional<QString> MarkdownEditingCommands::tableClipboard(const QString& text, MarkdownSourceRange selection,
+                                                               MarkdownTableCopyFormat format)
+{
+    selection = clamped(text, selection);
+    const auto shape = MarkdownTableSource::tableShape(text, selection);
+    if (!shape)
+        return std::nullopt;
+    const auto source = MarkdownTableSource::make(text, *shape, selection.location);
+    if (!source)
+        return std::nullopt;
+    return format == MarkdownTableCopyFormat::csv ? source->csv() : source->html();
+}
+
+std::optional<QString> MarkdownEditingCommands::tableTSV(const QString& text, MarkdownSourceRange selection)
+{
+    selection = clamped(text, selection);
+    const auto shape = MarkdownTableSource::tableShape(text, selection);
+    if (!shape)
+        return std::nullopt;
+    QStringList rows;
+    for (const std::vector<QString>& cells : shape->rows) {
+        if (MarkdownTableSource::isSeparatorRow(cells))
+            continue;
+        QStringList fields;
+        for (const QString& cell : cells)
+            fields << MarkdownTableSource::unescaped(chars::trimmed(cell));
+        rows << fields.join(u'\t');
+    }
+    return rows.join(u'\n');
+}
+
+}
