@@ -237,14 +237,14 @@ TEST(MarkdownASTStyler, ListGuttersShareTheWidestMarker)
     const auto off = style(mixed, caretWithLine(mixed, int(mixed.size())));
     const auto* bullet = off->one(Role::bullet, "10.");
     ASSERT_TRUE(bullet);
-    EXPECT_EQ(bullet->attributes.listMarker, "10.");
+    EXPECT_EQ(bullet->attributes.listMarker(), "10.");
     const auto* item = off->one(Role::listItem, "10.");
-    EXPECT_FLOAT_EQ(item->attributes.paragraph.firstLineHeadIndent, item->attributes.paragraph.headIndent);
-    EXPECT_EQ(off->one(Role::bullet, "- c")->attributes.listMarker, "•");
+    EXPECT_FLOAT_EQ(item->attributes.paragraph().firstLineHeadIndent, item->attributes.paragraph().headIndent);
+    EXPECT_EQ(off->one(Role::bullet, "- c")->attributes.listMarker(), "•");
     // A shown marker hangs in the gutter.
     const auto on = style(mixed, caretWithLine(mixed, 5));
     const auto* shown = on->one(Role::listItem, "10.");
-    EXPECT_LT(shown->attributes.paragraph.firstLineHeadIndent, shown->attributes.paragraph.headIndent);
+    EXPECT_LT(shown->attributes.paragraph().firstLineHeadIndent, shown->attributes.paragraph().headIndent);
 }
 
 TEST(MarkdownASTStyler, TaskBoxes)
@@ -282,7 +282,7 @@ TEST(MarkdownASTStyler, CalloutsAndQuotedBlocks)
     ASSERT_GE(callout.size(), 2u);
     const auto* box = callout.back();
     EXPECT_EQ(box->priority, 50);
-    EXPECT_EQ(box->attributes.callout, "WARNING");
+    EXPECT_EQ(box->attributes.callout(), "WARNING");
     const auto* quote = callout.front();
     EXPECT_EQ(quote->attributes.foreground, s->config.theme.color(MarkdownCallout::warning).rgba());
     EXPECT_TRUE(s->one(Role::blockquoteMarker, "[!WARNING]")->isHidden);
@@ -290,11 +290,11 @@ TEST(MarkdownASTStyler, CalloutsAndQuotedBlocks)
     // A fence in a quote takes the quote's indent, not the code block's.
     const auto* fence = s->one(Role::blockquote, "> ```");
     ASSERT_TRUE(fence);
-    EXPECT_FLOAT_EQ(fence->attributes.paragraph.firstLineHeadIndent, float(s->config.blockquote.calloutPadding));
+    EXPECT_FLOAT_EQ(fence->attributes.paragraph().firstLineHeadIndent, float(s->config.blockquote.calloutPadding));
     const auto code = std::find_if(s->result.fragments.fragments().begin(), s->result.fragments.fragments().end(),
                                    [](const auto& f) { return f.role == Role::fence && f.priority == 5; });
     ASSERT_NE(code, s->result.fragments.fragments().end());
-    EXPECT_FLOAT_EQ(code->attributes.paragraph.headIndent, float(s->config.blockquote.calloutPadding));
+    EXPECT_FLOAT_EQ(code->attributes.paragraph().headIndent, float(s->config.blockquote.calloutPadding));
 }
 
 TEST(MarkdownASTStyler, Tables)
@@ -307,7 +307,7 @@ TEST(MarkdownASTStyler, Tables)
     EXPECT_EQ(s->one(Role::table, "|", 1)->attributes.foreground, clearColor.rgba()); // a pipe
     EXPECT_TRUE(s->one(Role::tableCell, "a")->attributes.font.isBold());
     EXPECT_EQ(s->one(Role::tableCell, "22")->attributes.depth, 1);
-    EXPECT_FLOAT_EQ(s->at(Role::tableRule, "|:--").front()->attributes.paragraph.maximumLineHeight, 1.0f);
+    EXPECT_FLOAT_EQ(s->at(Role::tableRule, "|:--").front()->attributes.paragraph().maximumLineHeight, 1.0f);
     // Columns line up: the narrower cell's last character is kerned.
     const auto* one = s->result.attributedString.runAt(int(good.indexOf("| 1")) + 2);
     EXPECT_TRUE(one->attributes.has(MarkdownTextAttributes::Kern));
@@ -345,7 +345,7 @@ TEST(MarkdownASTStyler, FormulasAndDiagramsRevealOnlyWithASelectionInside)
     // With no renderer the formula is source in the formula ink.
     const auto none = style(text, caretWithLine(text, int(text.size())));
     EXPECT_EQ(none->one(Role::latex, "$$")->attributes.foreground, none->config.theme.latexInk().rgba());
-    EXPECT_EQ(none->one(Role::latex, "$$")->attributes.paragraph.alignment, MarkdownParagraphMetrics::Alignment::center);
+    EXPECT_EQ(none->one(Role::latex, "$$")->attributes.paragraph().alignment, MarkdownParagraphMetrics::Alignment::center);
 }
 
 TEST(MarkdownASTStyler, DirectivesWithTheBuiltIns)

@@ -119,7 +119,7 @@ TEST(MarkdownInlineStyler, Links)
     const auto on = inlineFragments(text, 0);
     const auto* link = find(on, Role::link, 1);
     ASSERT_TRUE(link);
-    EXPECT_EQ(link->attributes.link, "https://x.org");
+    EXPECT_EQ(link->attributes.link(), "https://x.org");
     EXPECT_TRUE(link->attributes.has(MarkdownTextAttributes::Underline));
     const auto* destination = find(on, Role::linkDestination, 3);
     ASSERT_TRUE(destination);
@@ -139,7 +139,7 @@ TEST(MarkdownInlineStyler, Links)
     const auto wiki = inlineFragments(QStringLiteral("see [[Target|shown]]"));
     const auto it = std::find_if(wiki.begin(), wiki.end(), [](auto& f) { return f.role == Role::wikiLink; });
     ASSERT_NE(it, wiki.end());
-    EXPECT_EQ(it->attributes.wikiLinkID, "Target");
+    EXPECT_EQ(it->attributes.wikiLinkID(), "Target");
 }
 
 TEST(MarkdownInlineStyler, PicturesComeThroughTheServices)
@@ -150,8 +150,8 @@ TEST(MarkdownInlineStyler, PicturesComeThroughTheServices)
     EXPECT_FALSE(find(none, Role::imageEmbed, 0)->attributes.has(MarkdownTextAttributes::Attachment));
     const auto with = inlineFragments(text, -1, true);
     const auto* embedded = find(with, Role::imageEmbed, 0);
-    ASSERT_TRUE(embedded->attributes.attachment);
-    EXPECT_DOUBLE_EQ(embedded->attributes.attachment->size.width(), 600); // limited to the maximum
+    ASSERT_TRUE(embedded->attributes.attachment());
+    EXPECT_DOUBLE_EQ(embedded->attributes.attachment()->size.width(), 600); // limited to the maximum
     EXPECT_EQ(embedded->priority, 20);
     const auto* missing = find(with, Role::imageEmbed, int(text.indexOf("![b")));
     EXPECT_EQ(missing->attributes.foreground, MarkdownEditorConfiguration().theme.disabledText.rgba());
@@ -161,11 +161,11 @@ TEST(MarkdownInlineStyler, PicturesComeThroughTheServices)
 
     const int formula = int(text.indexOf("$a"));
     const auto* rendered = find(with, Role::latex, formula);
-    ASSERT_TRUE(rendered->attributes.attachment);
+    ASSERT_TRUE(rendered->attributes.attachment());
     EXPECT_FLOAT_EQ(rendered->attributes.font.pointSize, 24.f); // 40 * 0.6 above the body size
     // On the line but outside it: still rendered. Inside: source.
-    EXPECT_TRUE(find(inlineFragments(text, 0, true), Role::latex, formula)->attributes.attachment);
-    EXPECT_FALSE(find(inlineFragments(text, formula + 2, true), Role::latex, formula)->attributes.attachment);
+    EXPECT_TRUE(find(inlineFragments(text, 0, true), Role::latex, formula)->attributes.attachment());
+    EXPECT_FALSE(find(inlineFragments(text, formula + 2, true), Role::latex, formula)->attributes.attachment());
 }
 
 TEST(MarkdownInlineStyler, SmallerConstructs)
@@ -176,7 +176,7 @@ TEST(MarkdownInlineStyler, SmallerConstructs)
     ASSERT_TRUE(footnote);
     EXPECT_FLOAT_EQ(footnote->attributes.font.pointSize, 15 * 0.75f);
     EXPECT_GT(footnote->attributes.baselineOffset, 0.f);
-    EXPECT_EQ(footnote->attributes.wikiLinkID, "n");
+    EXPECT_EQ(footnote->attributes.wikiLinkID(), "n");
     const auto* hot = find(f, Role::body, int(text.indexOf("hot")));
     ASSERT_TRUE(hot);
     const auto colored = std::find_if(f.begin(), f.end(), [&](auto& g) {

@@ -203,7 +203,7 @@ MarkdownASTStyler::Result MarkdownASTStyler::style(const Request& request)
     context.listGutters = listGutters(request, text, bodyFont);
 
     std::vector<MarkdownEditorFragment> fragments;
-    fragments.reserve(request.document->blocks.size() * 4);
+    fragments.reserve(request.document->blocks.size() * 4 + size_t(text.size()) / 6);
     for (const MarkdownBlock& block : request.document->blocks)
         style(block, context, fragments);
     for (const MarkdownBlock& block : request.document->blocks)

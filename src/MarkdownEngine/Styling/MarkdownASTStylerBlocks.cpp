@@ -493,7 +493,7 @@ void MarkdownASTStyler::styleTable(const MarkdownBlock& block, const MarkdownTex
         into.push_back(MarkdownEditorFragment::hidden(t.separatorRange, Role::tableRule, config));
         // The separator row flattens to a line one point high.
         const auto line = chars::lineAt(text, std::clamp<qsizetype>(t.separatorRange.location, 0, text.size()));
-        MarkdownParagraphMetrics p = base.paragraph;
+        MarkdownParagraphMetrics p = base.paragraph();
         p.minimumLineHeight = 0;
         p.maximumLineHeight = 1.0f;
         p.lineSpacing = 0;

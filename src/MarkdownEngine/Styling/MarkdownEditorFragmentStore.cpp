@@ -1,16 +1,30 @@
 #include "MarkdownEngine/Styling/MarkdownEditorFragmentStore.h"
 
 #include <algorithm>
-#include <numeric>
+#include <tuple>
 
 namespace velmo::markdown {
 
 MarkdownEditorFragmentStore::MarkdownEditorFragmentStore(std::vector<MarkdownEditorFragment> fragments)
-    : m_fragments(std::move(fragments))
 {
-    std::stable_sort(m_fragments.begin(), m_fragments.end(), [](const auto& a, const auto& b) {
-        return a.range.location != b.range.location ? a.range.location < b.range.location : a.priority < b.priority;
-    });
+    // Sort small keys, then move each fragment once: fragments are too big to shuffle. The
+    // index makes every key unique, which keeps the order stable.
+    struct Key {
+        int location, priority, index;
+        bool operator<(const Key& o) const
+        {
+            return location != o.location ? location < o.location
+                : priority != o.priority  ? priority < o.priority
+                                          : index < o.index;
+        }
+    };
+    std::vector<Key> keys(fragments.size());
+    for (size_t i = 0; i < fragments.size(); ++i)
+        keys[i] = {fragments[i].range.location, fragments[i].priority, int(i)};
+    std::sort(keys.begin(), keys.end());
+    m_fragments.reserve(fragments.size());
+    for (const Key& key : keys)
+        m_fragments.push_back(std::move(fragments[size_t(key.index)]));
     for (int i = 0; i < int(m_fragments.size()); ++i) {
         const MarkdownEditorFragment& f = m_fragments[size_t(i)];
         m_longest = std::max(m_longest, f.range.length);
@@ -54,27 +68,30 @@ void MarkdownEditorFragmentStore::apply(MarkdownStyledText& text, const Markdown
 {
     text.setAttributes(baseAttributes);
     // Application order: priority, then longer first, then earlier; stable.
-    std::vector<int> order(m_fragments.size());
-    std::iota(order.begin(), order.end(), 0);
-    std::stable_sort(order.begin(), order.end(), [this](int x, int y) {
-        const MarkdownEditorFragment& a = m_fragments[size_t(x)];
-        const MarkdownEditorFragment& b = m_fragments[size_t(y)];
-        if (a.priority != b.priority)
-            return a.priority < b.priority;
-        if (a.range.length != b.range.length)
-            return a.range.length > b.range.length;
-        return a.range.location < b.range.location;
-    });
+    struct Key {
+        int priority, negativeLength, location, index;
+        bool operator<(const Key& o) const
+        {
+            return std::tie(priority, negativeLength, location, index)
+                < std::tie(o.priority, o.negativeLength, o.location, o.index);
+        }
+    };
+    std::vector<Key> keys;
+    keys.reserve(m_fragments.size());
+    for (size_t i = 0; i < m_fragments.size(); ++i) {
+        const MarkdownEditorFragment& f = m_fragments[i];
+        if (f.range.length != 0)
+            keys.push_back({f.priority, -f.range.length, f.range.location, int(i)});
+    }
+    std::sort(keys.begin(), keys.end());
     // Velmo.role and Velmo.hidden go on after each fragment's own attributes, then its
     // replacement attributes, if any.
     std::vector<MarkdownTextAttributes> marks;
-    marks.reserve(order.size()); // no reallocation: additions point into it
+    marks.reserve(keys.size()); // no reallocation: additions point into it
     std::vector<MarkdownStyledText::Addition> additions;
-    additions.reserve(order.size());
-    for (int i : order) {
-        const MarkdownEditorFragment& f = m_fragments[size_t(i)];
-        if (f.range.length == 0)
-            continue;
+    additions.reserve(keys.size());
+    for (const Key& key : keys) {
+        const MarkdownEditorFragment& f = m_fragments[size_t(key.index)];
         MarkdownTextAttributes& mark = marks.emplace_back();
         mark.setRole(f.role);
         if (f.isHidden)

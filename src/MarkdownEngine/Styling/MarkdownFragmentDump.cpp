@@ -86,7 +86,7 @@ QJsonObject MarkdownFragmentDump::json(const MarkdownEditorFragment& f)
     if (a.has(A::BaselineOffset)) attributes.insert(QStringLiteral("baselineOffset"), double(a.baselineOffset));
     if (a.has(A::Kern)) attributes.insert(QStringLiteral("kern"), double(a.kern));
     if (a.has(A::Paragraph)) {
-        const MarkdownParagraphMetrics& p = a.paragraph;
+        const MarkdownParagraphMetrics& p = a.paragraph();
         attributes.insert(QStringLiteral("paragraph"),
                           QJsonObject{{QStringLiteral("lineSpacing"), double(p.lineSpacing)},
                                       {QStringLiteral("minimumLineHeight"), double(p.minimumLineHeight)},
@@ -102,14 +102,14 @@ QJsonObject MarkdownFragmentDump::json(const MarkdownEditorFragment& f)
     if (a.has(A::Hidden)) attributes.insert(QStringLiteral("Velmo.hidden"), a.hidden);
     if (a.has(A::Role)) attributes.insert(QStringLiteral("Velmo.role"), rawValue(a.role));
     if (a.has(A::Depth)) attributes.insert(QStringLiteral("Velmo.depth"), a.depth);
-    if (a.has(A::ListMarker)) attributes.insert(QStringLiteral("Velmo.listMarker"), a.listMarker);
+    if (a.has(A::ListMarker)) attributes.insert(QStringLiteral("Velmo.listMarker"), a.listMarker());
     if (a.has(A::Attachment)) attributes.insert(QStringLiteral("Velmo.attachment"), true);
     if (a.has(A::TableGrid)) attributes.insert(QStringLiteral("Velmo.tableGrid"), a.tableGrid);
     if (a.has(A::FenceBox)) attributes.insert(QStringLiteral("Velmo.fenceBox"), a.fenceBox);
-    if (a.has(A::Callout)) attributes.insert(QStringLiteral("Velmo.callout"), a.callout);
+    if (a.has(A::Callout)) attributes.insert(QStringLiteral("Velmo.callout"), a.callout());
     if (a.has(A::TaskCheckbox)) attributes.insert(QStringLiteral("Velmo.taskCheckbox"), a.taskCheckbox);
-    if (a.has(A::WikiLinkID)) attributes.insert(QStringLiteral("Velmo.wikiLinkID"), a.wikiLinkID);
-    if (a.has(A::Link)) attributes.insert(QStringLiteral("VelmoLink"), a.link);
+    if (a.has(A::WikiLinkID)) attributes.insert(QStringLiteral("Velmo.wikiLinkID"), a.wikiLinkID());
+    if (a.has(A::Link)) attributes.insert(QStringLiteral("VelmoLink"), a.link());
     o.insert(QStringLiteral("attributes"), attributes);
     return o;
 }

@@ -6,6 +6,7 @@
 #include <QFontDatabase>
 #include <QRegularExpression>
 #include <QUrl>
+#include <deque>
 
 namespace velmo::markdown {
 
@@ -215,25 +216,26 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
     const MarkdownEditorTheme& theme = config.theme;
     // Each frame hands its attributes and font down to the children it pushes. Attribute sets
     // are shared by the siblings of a level, so a deep chain costs one set per level.
+    // The deque keeps each level's set in place while its subtree is walked.
     struct Frame {
         const MarkdownInline* node;
-        std::shared_ptr<const MarkdownTextAttributes> attributes;
-        MarkdownFontSpec font;
+        const MarkdownTextAttributes* attributes;
+        const MarkdownFontSpec* font;
     };
+    std::deque<MarkdownTextAttributes> levels;
     std::vector<Frame> stack;
-    stack.push_back({&root, std::make_shared<const MarkdownTextAttributes>(rootAttributes), rootFont});
-    auto pushChildren = [&stack](const MarkdownInline& node, std::shared_ptr<const MarkdownTextAttributes> a,
-                                 const MarkdownFontSpec& font) {
+    stack.push_back({&root, &rootAttributes, &rootFont});
+    auto pushChildren = [&stack](const MarkdownInline& node, const MarkdownTextAttributes* a, const MarkdownFontSpec* font) {
         for (auto child = node.children.rbegin(); child != node.children.rend(); ++child)
             stack.push_back({&*child, a, font});
     };
 
     while (!stack.empty()) {
-        Frame frame = std::move(stack.back());
+        const Frame frame = stack.back();
         stack.pop_back();
         const MarkdownInline& node = *frame.node;
         const MarkdownTextAttributes& handed = *frame.attributes;
-        const MarkdownFontSpec& font = frame.font;
+        const MarkdownFontSpec& font = *frame.font;
 
         if (node.is<ik::Text>()) {
             into.push_back(make(node.range, Role::body, handed, 0));
@@ -258,14 +260,14 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
                 emphasized = MarkdownFont::applying(MarkdownFont::Trait::italic, emphasized);
             if (mask & 2)
                 emphasized = MarkdownFont::applying(MarkdownFont::Trait::bold, emphasized);
-            auto a = std::make_shared<MarkdownTextAttributes>(handed);
+            MarkdownTextAttributes* a = &levels.emplace_back(handed);
             a->setFont(emphasized);
             into.push_back(make(node.contentRange, Role::body, *a, 0));
             markerPass(node, Role::emphasisMarker, theme.marker, env, into);
-            pushChildren(node, std::move(a), font);
+            pushChildren(node, a, frame.font);
         } else if (node.is<ik::Strikethrough>() || node.is<ik::Highlight>()) {
             const bool strike = node.is<ik::Strikethrough>();
-            auto a = std::make_shared<MarkdownTextAttributes>(handed);
+            MarkdownTextAttributes* a = &levels.emplace_back(handed);
             auto extension = env.registry ? env.registry->extension(strike ? QStringLiteral("strikethrough")
                                                                            : QStringLiteral("highlight"))
                                           : nullptr;
@@ -277,14 +279,14 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
                 a->setBackground(theme.highlightColor);
             into.push_back(make(node.contentRange, Role::body, *a, 0));
             markerPass(node, Role::emphasisMarker, theme.marker, env, into);
-            pushChildren(node, std::move(a), font);
+            pushChildren(node, a, frame.font);
         } else if (const auto* span = node.as<ik::ExtensionSpan>()) {
-            auto a = std::make_shared<MarkdownTextAttributes>(handed);
+            MarkdownTextAttributes* a = &levels.emplace_back(handed);
             if (auto extension = env.registry ? env.registry->extension(span->name) : nullptr)
                 a->merge(attributes(extension->contentAttributes(font.toQFont()), font));
             into.push_back(make(node.contentRange, Role::directiveBody, *a, 0));
             markerPass(node, Role::directiveMarker, theme.marker, env, into);
-            pushChildren(node, std::move(a), font);
+            pushChildren(node, a, frame.font);
         } else if (const auto* link = node.as<ik::Link>()) {
             visitLink(node, *link, handed, font, env, into);
         } else if (const auto* wiki = node.as<ik::WikiLink>()) {
@@ -374,7 +376,8 @@ void MarkdownInlineStyler::applyTextColors(const std::vector<MarkdownInline>& in
                                                                               siblings[close].range.location);
             MarkdownTextAttributes a;
             a.setForeground(*color);
-            into.push_back(make(inner, Role::body, std::move(a), 0));
+            // Above the text nodes (0) and the block fonts (heading 5): it sets only the ink.
+            into.push_back(make(inner, Role::body, std::move(a), 7));
             hideTag(node.range);
             hideTag(siblings[close].range);
         }

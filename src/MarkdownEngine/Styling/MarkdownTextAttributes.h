@@ -48,13 +48,19 @@ struct MarkdownTextAttributes {
     MarkdownEditorFragmentRole role = MarkdownEditorFragmentRole::body;
     bool hidden = false, tableGrid = false, fenceBox = false, taskCheckbox = false;
     MarkdownFontSpec font;
-    MarkdownParagraphMetrics paragraph;
-    QString listMarker, callout, wikiLinkID, link;
-    std::shared_ptr<const MarkdownEditorAttachment> attachment;
 
     [[nodiscard]] bool has(Key key) const { return keys & key; }
     [[nodiscard]] bool isEmpty() const { return keys == 0; }
     void remove(Key key) { keys &= ~std::uint32_t(key); }
+
+    // Values few ranges carry live behind shared pointers, so that copying a set, which
+    // styling does for every fragment and run, moves a hundred bytes and not three hundred.
+    [[nodiscard]] const MarkdownParagraphMetrics& paragraph() const;
+    [[nodiscard]] const QString& listMarker() const { return extras().listMarker; }
+    [[nodiscard]] const QString& callout() const { return extras().callout; }
+    [[nodiscard]] const QString& wikiLinkID() const { return extras().wikiLinkID; }
+    [[nodiscard]] const QString& link() const { return extras().link; }
+    [[nodiscard]] const std::shared_ptr<const MarkdownEditorAttachment>& attachment() const { return extras().attachment; }
 
     MarkdownTextAttributes& setFont(const MarkdownFontSpec& f) { font = f; keys |= Font; return *this; }
     MarkdownTextAttributes& setForeground(const QColor& c) { foreground = c.rgba(); keys |= Foreground; return *this; }
@@ -73,29 +79,35 @@ struct MarkdownTextAttributes {
     }
     MarkdownTextAttributes& setBaselineOffset(float v) { baselineOffset = v; keys |= BaselineOffset; return *this; }
     MarkdownTextAttributes& setKern(float v) { kern = v; keys |= Kern; return *this; }
-    MarkdownTextAttributes& setParagraph(const MarkdownParagraphMetrics& p) { paragraph = p; keys |= Paragraph; return *this; }
+    MarkdownTextAttributes& setParagraph(const MarkdownParagraphMetrics& p);
     MarkdownTextAttributes& setHidden() { hidden = true; keys |= Hidden; return *this; }
     MarkdownTextAttributes& setRole(MarkdownEditorFragmentRole r) { role = r; keys |= Role; return *this; }
     MarkdownTextAttributes& setDepth(int d) { depth = d; keys |= Depth; return *this; }
-    MarkdownTextAttributes& setListMarker(const QString& s) { listMarker = s; keys |= ListMarker; return *this; }
-    MarkdownTextAttributes& setAttachment(std::shared_ptr<const MarkdownEditorAttachment> a)
-    {
-        attachment = std::move(a);
-        keys |= Attachment;
-        return *this;
-    }
+    MarkdownTextAttributes& setListMarker(const QString& s);
+    MarkdownTextAttributes& setAttachment(std::shared_ptr<const MarkdownEditorAttachment> a);
     MarkdownTextAttributes& setTableGrid() { tableGrid = true; keys |= TableGrid; return *this; }
     MarkdownTextAttributes& setFenceBox() { fenceBox = true; keys |= FenceBox; return *this; }
-    MarkdownTextAttributes& setCallout(const QString& s) { callout = s; keys |= Callout; return *this; }
+    MarkdownTextAttributes& setCallout(const QString& s);
     MarkdownTextAttributes& setTaskCheckbox(bool checked) { taskCheckbox = checked; keys |= TaskCheckbox; return *this; }
-    MarkdownTextAttributes& setWikiLinkID(const QString& s) { wikiLinkID = s; keys |= WikiLinkID; return *this; }
-    MarkdownTextAttributes& setLink(const QString& url) { link = url; keys |= Link; return *this; }
+    MarkdownTextAttributes& setWikiLinkID(const QString& s);
+    MarkdownTextAttributes& setLink(const QString& url);
 
     // Takes every key `other` names, leaving the rest.
     void merge(const MarkdownTextAttributes& other);
 
     // Equal keys with equal values; values of absent keys do not count.
     friend bool operator==(const MarkdownTextAttributes& a, const MarkdownTextAttributes& b);
+
+private:
+    struct Extras {
+        QString listMarker, callout, wikiLinkID, link;
+        std::shared_ptr<const MarkdownEditorAttachment> attachment;
+    };
+    [[nodiscard]] const Extras& extras() const;
+    Extras& mutableExtras(); // copies on write
+
+    std::shared_ptr<const MarkdownParagraphMetrics> m_paragraph;
+    std::shared_ptr<Extras> m_extras;
 };
 
 // The clear colour: no ink.
