@@ -98,11 +98,23 @@ void caretMove(benchmark::State& state)
     state.counters["fragments"] = double(fragments);
 }
 
+// The fragments alone (block, inline and tag steps), without the store and the styled text.
+void fragmentsOnly(benchmark::State& state)
+{
+    const Styled& s = note(0);
+    const auto r = request(s, caretAt(s.text, int(s.text.size() / 2)));
+    for (auto _ : state) {
+        auto result = MarkdownASTStyler::selectionFragments(r, {MarkdownSourceRange{0, int(s.text.size())}});
+        benchmark::DoNotOptimize(result.fragments.data());
+    }
+}
+
 }
 
 BENCHMARK_CAPTURE(style, bigNote, 0)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(style, note100KB, 100 * 1024)->Unit(benchmark::kMillisecond);
 BENCHMARK(caretMove)->Unit(benchmark::kMicrosecond);
+BENCHMARK(fragmentsOnly)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char** argv)
 {

@@ -31,6 +31,17 @@ DirectiveRegistry makeDirectives(const MarkdownEditorConfiguration& config)
     }
 }
 
+bool excludesTags(Role role)
+{
+    switch (role) {
+    case Role::fence: case Role::fenceMarker: case Role::fenceInfo: case Role::inlineCode: case Role::latex:
+    case Role::frontMatter:
+        return true;
+    default:
+        return false;
+    }
+}
+
 // Blocks are in source order and do not overlap: the first whose end lies beyond `location`.
 size_t firstBlockEndingAfter(const std::vector<MarkdownBlock>& blocks, int location)
 {
@@ -156,17 +167,11 @@ void MarkdownASTStyler::tagPass(const BlockContext& context, std::optional<Markd
         return;
     std::vector<MarkdownSourceRange> excluding;
     for (const MarkdownEditorFragment& f : fragments) {
-        switch (f.role) {
-        case Role::fence: case Role::fenceMarker: case Role::fenceInfo: case Role::inlineCode: case Role::latex:
-        case Role::frontMatter: {
-            const MarkdownSourceRange clipped = f.range.intersection(scope);
-            if (clipped.length > 0)
-                excluding.push_back({clipped.location - scope.location, clipped.length});
-            break;
-        }
-        default:
-            break;
-        }
+        if (!excludesTags(f.role))
+            continue;
+        const MarkdownSourceRange clipped = f.range.intersection(scope);
+        if (clipped.length > 0)
+            excluding.push_back({clipped.location - scope.location, clipped.length});
     }
     const QStringView view = QStringView(text).mid(scope.location, scope.length);
     for (const MarkdownTag& tag : MarkdownTagScanner::bodyTags(view, excluding)) {
@@ -275,14 +280,22 @@ MarkdownASTStyler::selectionFragments(const Request& request, const std::vector<
             style(blocks[i], context, out.fragments);
         for (size_t i : touched)
             inlinePass(blocks[i], context, out.fragments);
-        for (size_t i : touched) {
-            std::vector<MarkdownEditorFragment> own;
-            for (const MarkdownEditorFragment& f : out.fragments) {
-                if (f.range.intersects(blocks[i].range))
-                    own.push_back(f);
-            }
-            tagPass(context, blocks[i].range, own, out.fragments);
+        // Tags never cross a line end and blocks are whole lines, so neighbouring blocks are
+        // scanned as one span; only the roles that exclude tags are looked at.
+        std::vector<MarkdownEditorFragment> excluding;
+        for (const MarkdownEditorFragment& f : out.fragments) {
+            if (excludesTags(f.role))
+                excluding.push_back(f);
         }
+        std::vector<MarkdownSourceRange> spans;
+        for (size_t i : touched) {
+            if (!spans.empty() && spans.back().upperBound() == blocks[i].range.location)
+                spans.back().length += blocks[i].range.length;
+            else
+                spans.push_back(blocks[i].range);
+        }
+        for (const MarkdownSourceRange& span : spans)
+            tagPass(context, span, excluding, out.fragments);
     }
 
     std::vector<MarkdownSourceRange> ranges;

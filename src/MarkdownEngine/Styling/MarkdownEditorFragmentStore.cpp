@@ -86,19 +86,16 @@ void MarkdownEditorFragmentStore::apply(MarkdownStyledText& text, const Markdown
     std::sort(keys.begin(), keys.end());
     // Velmo.role and Velmo.hidden go on after each fragment's own attributes, then its
     // replacement attributes, if any.
-    std::vector<MarkdownTextAttributes> marks;
-    marks.reserve(keys.size()); // no reallocation: additions point into it
     std::vector<MarkdownStyledText::Addition> additions;
     additions.reserve(keys.size());
     for (const Key& key : keys) {
         const MarkdownEditorFragment& f = m_fragments[size_t(key.index)];
-        MarkdownTextAttributes& mark = marks.emplace_back();
-        mark.setRole(f.role);
-        if (f.isHidden)
-            mark.setHidden();
-        additions.push_back({f.range, &f.attributes, &mark});
-        if (f.replacementAttributes)
-            additions.push_back({f.range, f.replacementAttributes.get(), nullptr});
+        if (f.replacementAttributes) {
+            additions.push_back({f.range, &f.attributes, nullptr, true, f.isHidden, f.role});
+            additions.push_back({f.range, f.replacementAttributes.get()});
+        } else {
+            additions.push_back({f.range, &f.attributes, nullptr, true, f.isHidden, f.role});
+        }
     }
     text.add(additions);
 }

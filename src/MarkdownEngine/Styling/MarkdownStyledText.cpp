@@ -78,9 +78,15 @@ void MarkdownStyledText::add(std::span<const Addition> additions)
             continue;
         size_t s = size_t(std::lower_bound(starts.begin(), starts.end(), start) - starts.begin());
         for (; s < segments.size() && segments[s].range.location < end; ++s) {
-            segments[s].attributes.merge(*a.attributes);
+            MarkdownTextAttributes& target = segments[s].attributes;
+            target.merge(*a.attributes);
             if (a.also)
-                segments[s].attributes.merge(*a.also);
+                target.merge(*a.also);
+            if (a.marksRole) {
+                target.setRole(a.role);
+                if (a.hidden)
+                    target.setHidden();
+            }
         }
     }
 

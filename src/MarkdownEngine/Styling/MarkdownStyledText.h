@@ -19,11 +19,15 @@ public:
         MarkdownTextAttributes attributes;
     };
 
-    // One attribute set laid over a range; `also` (may be null) goes on after it.
+    // One attribute set laid over a range; `also` (may be null) goes on after it, and then,
+    // when `marksRole` is set, Velmo.role = `role` and Velmo.hidden if `hidden`.
     struct Addition {
         MarkdownSourceRange range;
         const MarkdownTextAttributes* attributes = nullptr;
         const MarkdownTextAttributes* also = nullptr;
+        bool marksRole = false;
+        bool hidden = false;
+        MarkdownEditorFragmentRole role = MarkdownEditorFragmentRole::body;
     };
 
     MarkdownStyledText() = default;
