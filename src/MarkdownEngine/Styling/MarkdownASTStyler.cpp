@@ -281,16 +281,18 @@ MarkdownASTStyler::selectionFragments(const Request& request, const std::vector<
         for (size_t i : touched)
             inlinePass(blocks[i], context, out.fragments);
         // Tags never cross a line end and blocks are whole lines, so neighbouring blocks are
-        // scanned as one span; only the roles that exclude tags are looked at.
+        // scanned as one span; only the fragments that exclude tags are looked at.
         std::vector<MarkdownEditorFragment> excluding;
         for (const MarkdownEditorFragment& f : out.fragments) {
             if (excludesTags(f.role))
                 excluding.push_back(f);
         }
+        // Between two consecutive blocks lie only blank lines, which hold no tag.
         std::vector<MarkdownSourceRange> spans;
-        for (size_t i : touched) {
-            if (!spans.empty() && spans.back().upperBound() == blocks[i].range.location)
-                spans.back().length += blocks[i].range.length;
+        for (size_t k = 0; k < touched.size(); ++k) {
+            const size_t i = touched[k];
+            if (k > 0 && touched[k - 1] + 1 == i)
+                spans.back() = spans.back().united(blocks[i].range);
             else
                 spans.push_back(blocks[i].range);
         }

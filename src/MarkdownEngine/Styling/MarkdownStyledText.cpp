@@ -55,9 +55,13 @@ void MarkdownStyledText::add(std::span<const Addition> additions)
     boundary[size_t(n)] = true;
 
     // 2. Cut the runs at every boundary.
+    size_t count = 0;
+    for (int i = 1; i <= n; ++i)
+        count += boundary[size_t(i)];
     std::vector<Run> segments;
-    segments.reserve(m_runs.size() * 2);
+    segments.reserve(count);
     std::vector<int> starts;
+    starts.reserve(count);
     for (const Run& run : m_runs) {
         int start = run.range.location;
         const int end = run.range.upperBound();
@@ -90,14 +94,19 @@ void MarkdownStyledText::add(std::span<const Addition> additions)
         }
     }
 
-    // 4. Join neighbours that ended up alike.
-    m_runs.clear();
-    for (Run& segment : segments) {
-        if (!m_runs.empty() && m_runs.back().attributes == segment.attributes)
-            m_runs.back().range.length += segment.range.length;
-        else
-            m_runs.push_back(std::move(segment));
+    // 4. Join neighbours that ended up alike, in place.
+    size_t kept = 0;
+    for (size_t i = 0; i < segments.size(); ++i) {
+        if (kept > 0 && segments[kept - 1].attributes == segments[i].attributes) {
+            segments[kept - 1].range.length += segments[i].range.length;
+        } else {
+            if (kept != i)
+                segments[kept] = std::move(segments[i]);
+            ++kept;
+        }
     }
+    segments.erase(segments.begin() + std::ptrdiff_t(kept), segments.end());
+    m_runs = std::move(segments);
 }
 
 }
