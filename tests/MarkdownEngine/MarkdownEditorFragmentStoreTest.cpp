@@ -81,4 +81,22 @@ TEST(MarkdownEditorFragmentStore, ApplyOrderAndClipping)
     EXPECT_FLOAT_EQ(text.runAt(0)->attributes.font.pointSize, 0.1f);
     EXPECT_FALSE(text.runAt(1)->attributes.has(MarkdownTextAttributes::Hidden));
     EXPECT_EQ(text.runs().back().range.upperBound(), 10);
+
+    // Separate stretches are ordered on their own; a chain of overlaps stays one stretch.
+    auto a = fragment(0, 2, Role::body, 9);
+    a.attributes.setForeground(Qt::red);
+    auto b = fragment(4, 3, Role::body, 0);
+    b.attributes.setForeground(Qt::blue);
+    auto c = fragment(6, 3, Role::body, 1);
+    c.attributes.setForeground(Qt::green);
+    auto d = fragment(2, 4, Role::body, 2); // reaches into b's stretch from before it
+    d.attributes.setForeground(Qt::yellow);
+    MarkdownStyledText chained(QStringLiteral("0123456789"), {});
+    MarkdownEditorFragmentStore({c, a, b, d}).apply(chained, base);
+    const QRgb expected[] = {QColor(Qt::red).rgba(), QColor(Qt::red).rgba(), QColor(Qt::yellow).rgba(),
+                             QColor(Qt::yellow).rgba(), QColor(Qt::yellow).rgba(), QColor(Qt::yellow).rgba(),
+                             QColor(Qt::green).rgba(), QColor(Qt::green).rgba(), QColor(Qt::green).rgba(),
+                             QColor(Qt::black).rgba()};
+    for (int i = 0; i < 10; ++i)
+        EXPECT_EQ(chained.runAt(i)->attributes.foreground, expected[i]) << i;
 }

@@ -18,8 +18,10 @@ QFont MarkdownFontSpec::toQFont() const
 double MarkdownFontSpec::width(const QString& text) const
 {
     // Metrics are costly to make and the styler measures the same few fonts over and over.
+    // Made once and kept for the process, as the font database is: tearing metrics down after
+    // the application object would touch a dead database.
     static QMutex mutex;
-    static QHash<QString, QFontMetricsF*> metrics;
+    static auto* const metrics = new QHash<QString, QFontMetricsF*>();
     const QString key = family + u'|' + QString::number(pointSize) + u'|' + QString::number(weight)
         + (italic ? u'i' : u'r');
     QString measured = text;
@@ -30,9 +32,9 @@ double MarkdownFontSpec::width(const QString& text) const
         }
     }
     QMutexLocker lock(&mutex);
-    QFontMetricsF*& m = metrics[key];
+    QFontMetricsF*& m = (*metrics)[key];
     if (!m)
-        m = new QFontMetricsF(toQFont()); // lives for the process, as the font database does
+        m = new QFontMetricsF(toQFont());
     return m->horizontalAdvance(measured);
 }
 
