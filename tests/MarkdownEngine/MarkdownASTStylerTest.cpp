@@ -1,6 +1,7 @@
 #include "MarkdownEngine/Styling/MarkdownASTStyler.h"
 #include "MarkdownEngine/Styling/MarkdownFragmentDump.h"
 
+#include <QElapsedTimer>
 #include <gtest/gtest.h>
 
 using namespace velmo::markdown;
@@ -429,4 +430,60 @@ TEST(MarkdownASTStyler, ParagraphMetrics)
     config.paragraph.lineHeightFactor.reset();
     EXPECT_FLOAT_EQ(MarkdownASTStyler::baseParagraphStyle(config, 15).lineSpacing, 4.f);
     EXPECT_FLOAT_EQ(MarkdownASTStyler::baseParagraphStyle(config, 15).paragraphSpacing, float(15 * 0.55));
+}
+
+TEST(MarkdownASTStyler, BlockKindsTakeTheirRolesAndLooks)
+{
+    struct Case {
+        const char16_t* text;
+        Role role;
+        int priority;
+        double sizeFactor; // of the body size; 0: no font of its own
+        bool muted;        // in mutedText
+    };
+    const Case cases[] = {
+        {u"---\ntitle: x\n---\n", Role::frontMatter, 0, 0.9, true},
+        {u"[^a]: the note", Role::footnote, 4, 0.95, true},
+        {u"<div>\nx\n</div>", Role::html, 0, 0.92, false},
+        {u"plain words", Role::paragraph, 0, 1.0, false},
+        {u"```\ncode\n```", Role::fence, 5, 0.92, false},
+        {u"### Three", Role::heading, 5, 1.3, false},
+    };
+    for (const Case& c : cases) {
+        const QString text = QString::fromUtf16(c.text);
+        SCOPED_TRACE(text.toStdString());
+        MarkdownParseOptions options;
+        options.blockHtml = true;
+        Styled s;
+        s.text = text;
+        s.document = MarkdownDocument::parse(text, options);
+        MarkdownASTStyler::Request request;
+        request.document = &s.document;
+        request.config = &s.config;
+        s.result = MarkdownASTStyler::style(request);
+        const auto found = s.result.fragments.fragments(c.role);
+        const auto it = std::find_if(found.begin(), found.end(), [&](auto* f) { return f->priority == c.priority; });
+        ASSERT_NE(it, found.end()) << s.dump().toStdString();
+        EXPECT_FLOAT_EQ((*it)->attributes.font.pointSize, float(15 * c.sizeFactor));
+        EXPECT_EQ((*it)->attributes.foreground == s.config.theme.mutedText.rgba(), c.muted);
+    }
+}
+
+TEST(MarkdownASTStyler, HostileInputStaysLinear)
+{
+    // Thousands of list items at shifting indents, quote depths and a long table: a single
+    // pass must stay well inside a generous bound and keep every range inside the text.
+    QString text;
+    for (int i = 0; i < 3000; ++i)
+        text += QString(i % 7, u' ') + QString(i % 3, u'>') + QStringLiteral("- [ ] item **b** `c`\n");
+    text += QStringLiteral("| a | b |\n|---|---|\n");
+    for (int i = 0; i < 3000; ++i)
+        text += QStringLiteral("| x | y |\n");
+    QElapsedTimer timer;
+    timer.start();
+    const auto s = style(text, caretWithLine(text, int(text.size() / 2)));
+    EXPECT_LT(timer.elapsed(), 20000);
+    for (const auto& f : s->result.fragments.fragments())
+        ASSERT_LE(f.range.upperBound(), text.size());
+    EXPECT_EQ(s->result.attributedString.runs().back().range.upperBound(), text.size());
 }
