@@ -18,6 +18,7 @@ int runTags(const QStringList& arguments);
 int runTex(const QStringList& arguments);
 int runHighlight(const QStringList& arguments);
 int runEdit(const QStringList& arguments);
+int runStyle(const QStringList& arguments);
 
 // Reads FILE, or standard input for "-". On failure prints the file error's message on
 // standard error and returns nothing; the command then exits with status 1.

@@ -1,0 +1,127 @@
+// The styler on already parsed notes: a full pass (fragments, store, styled text) on the 1 MB
+// note and on 100 KB of it, and the incremental pass of a caret move between two lines.
+#include "MarkdownEngine/Core/TextCharacters.h"
+#include "MarkdownEngine/Styling/MarkdownASTStyler.h"
+#include "support/BenchData.h"
+
+#include <QGuiApplication>
+#include <benchmark/benchmark.h>
+#include <sys/resource.h>
+
+using namespace velmo::markdown;
+
+namespace {
+
+struct Styled {
+    QString text;
+    MarkdownDocument document;
+    MarkdownEditorConfiguration config;
+};
+
+const Styled& note(int bytes)
+{
+    static std::map<int, std::unique_ptr<Styled>> cache;
+    auto& entry = cache[bytes];
+    if (!entry) {
+        entry = std::make_unique<Styled>();
+        QString text = velmo::bench::bigNoteText();
+        if (bytes > 0 && text.size() > bytes) {
+            // Cut at a line's end so no construct is torn at the edge.
+            const qsizetype end = text.indexOf(u'\n', bytes);
+            text.truncate(end < 0 ? text.size() : end + 1);
+        }
+        entry->text = text;
+        entry->document = MarkdownDocument::parse(text);
+    }
+    return *entry;
+}
+
+long peakKilobytes()
+{
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+}
+
+MarkdownASTStyler::Request request(const Styled& s, MarkdownSourceEditorState selection)
+{
+    MarkdownASTStyler::Request r;
+    r.document = &s.document;
+    r.config = &s.config;
+    r.selection = std::move(selection);
+    return r;
+}
+
+MarkdownSourceEditorState caretAt(const QString& text, int at)
+{
+    MarkdownSourceEditorState state = MarkdownSourceEditorState::caret(at);
+    state.selectedLineRanges = MarkdownASTStyler::activeLineRanges(state, text);
+    return state;
+}
+
+void style(benchmark::State& state, int bytes)
+{
+    const Styled& s = note(bytes);
+    const auto r = request(s, caretAt(s.text, int(s.text.size() / 2)));
+    const long before = peakKilobytes();
+    size_t fragments = 0, runs = 0;
+    for (auto _ : state) {
+        MarkdownASTStyler::Result result = MarkdownASTStyler::style(r);
+        fragments = result.fragments.fragments().size();
+        runs = result.attributedString.runs().size();
+        benchmark::DoNotOptimize(result.attributedString.runs().data());
+    }
+    state.counters["fragments"] = double(fragments);
+    state.counters["runs"] = double(runs);
+    state.counters["blocks"] = double(s.document.blocks.size());
+    // Growth of the peak over what parsing and loading had already taken.
+    state.counters["peakGrowthMB"] = double(peakKilobytes() - before) / 1024.0;
+    state.counters["peakMB"] = double(peakKilobytes()) / 1024.0;
+    state.SetBytesProcessed(int64_t(state.iterations()) * s.text.size() * 2);
+}
+
+// The caret leaves one line for another: both lines are restyled.
+void caretMove(benchmark::State& state)
+{
+    const Styled& s = note(0);
+    const int from = int(s.text.size() / 2);
+    const int to = int(s.text.indexOf(u'\n', from + 2000)) + 1;
+    const auto fromLine = MarkdownASTStyler::activeLineRanges(MarkdownSourceEditorState::caret(from), s.text);
+    const auto toLine = MarkdownASTStyler::activeLineRanges(MarkdownSourceEditorState::caret(to), s.text);
+    const auto r = request(s, caretAt(s.text, to));
+    size_t fragments = 0;
+    for (auto _ : state) {
+        auto result = MarkdownASTStyler::selectionFragments(r, {fromLine.front(), toLine.front()});
+        fragments = result.fragments.size();
+        benchmark::DoNotOptimize(result.fragments.data());
+    }
+    state.counters["fragments"] = double(fragments);
+}
+
+// The fragments alone (block, inline and tag steps), without the store and the styled text.
+void fragmentsOnly(benchmark::State& state)
+{
+    const Styled& s = note(0);
+    const auto r = request(s, caretAt(s.text, int(s.text.size() / 2)));
+    for (auto _ : state) {
+        auto result = MarkdownASTStyler::selectionFragments(r, {MarkdownSourceRange{0, int(s.text.size())}});
+        benchmark::DoNotOptimize(result.fragments.data());
+    }
+}
+
+}
+
+BENCHMARK_CAPTURE(style, bigNote, 0)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(style, note100KB, 100 * 1024)->Unit(benchmark::kMillisecond);
+BENCHMARK(caretMove)->Unit(benchmark::kMicrosecond);
+BENCHMARK(fragmentsOnly)->Unit(benchmark::kMillisecond);
+
+int main(int argc, char** argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication app(argc, argv); // fonts need it
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
