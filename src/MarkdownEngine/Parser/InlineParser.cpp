@@ -85,6 +85,10 @@ std::optional<MarkdownSourceRange> scanAtoms(Frame& frame, InlineAtomScanner& sc
                 ++runEnd;
             const char16_t before = p > 0 ? text[p - 1].unicode() : u'\n';
             const char16_t after = runEnd < end ? text[runEnd].unicode() : u'\n';
+            // Runs are at least a unit apart, so the rest of the frame holds at most half its
+            // units in runs: one reservation instead of a chain of copies on a long paragraph.
+            if (frame.delimiters.size() == frame.delimiters.capacity())
+                frame.delimiters.reserve(frame.delimiters.size() + (end - p + 1) / 2);
             frame.delimiters.push_back(InlineParser::flanking(unit, p, runEnd - p, before, after));
             p = runEnd;
             continue;
@@ -114,6 +118,9 @@ EmphasisSpans matchEmphasis(const QVarLengthArray<InlineParser::Delimiter, 16>& 
 {
     EmphasisSpans spans;
     QVarLengthArray<qsizetype, 16> openers;
+    // Each span uses up two runs; reserving the bounds spares regrowth copies.
+    spans.reserve(delimiters.size() / 2);
+    openers.reserve(delimiters.size());
     for (qsizetype i = 0; i < delimiters.size(); ++i) {
         const InlineParser::Delimiter& closer = delimiters[i];
         if (closer.canClose && !openers.empty()) {
