@@ -17,6 +17,7 @@ int runParse(const QStringList& arguments);
 int runTags(const QStringList& arguments);
 int runTex(const QStringList& arguments);
 int runHighlight(const QStringList& arguments);
+int runStyle(const QStringList& arguments);
 
 // Reads FILE, or standard input for "-". On failure prints the file error's message on
 // standard error and returns nothing; the command then exits with status 1.

@@ -21,6 +21,7 @@ constexpr Command commands[] = {
     {"tags", runTags, "tags FILE|-"},
     {"tex", runTex, "tex [--display] [--size PT] [--png FILE] SOURCE"},
     {"highlight", runHighlight, "highlight LANGUAGE FILE|-"},
+    {"style", runStyle, "style FILE|- [--caret N | --select LOC,LEN] [--raw] [--no-reveal]"},
 };
 
 void printUsage()

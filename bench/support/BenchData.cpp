@@ -42,7 +42,8 @@ QString vaultDir(const QStringList& generatorArguments)
 
 QString bigNoteText()
 {
-    return readText(vaultDir({"--notes", "0", "--big-note", "1"}) + "/Big Note.md");
+    // The generator needs notes to link to, so the big note comes with the default 1000.
+    return readText(vaultDir({"--big-note", "1"}) + "/Big Note.md");
 }
 
 QString concatenatedNotes(int notes)

@@ -69,8 +69,13 @@ struct MarkdownInline {
     // not with one stack frame per level.
     ~MarkdownInline()
     {
-        if (!children.empty())
-            dismantle(children);
+        // Leaves below are destroyed by the vector itself; only grandchildren need the worklist.
+        for (const MarkdownInline& child : children) {
+            if (!child.children.empty()) {
+                dismantle(children);
+                break;
+            }
+        }
     }
 
     // The node, then its children depth first. Iterative for the same reason.

@@ -2,6 +2,7 @@
 
 #include "MarkdownEngine/Core/MarkdownSourceRange.h"
 
+#include <QString>
 #include <QStringView>
 
 namespace velmo::markdown {

@@ -26,10 +26,12 @@ std::optional<DirectiveValue> DirectiveValue::parseLengthValue(QStringView text)
     for (const Suffix& suffix : suffixes) {
         if (!text.endsWith(suffix.text))
             continue;
+        // "2rem" also ends in "em": a suffix whose number does not parse gives way to the next.
         if (const std::optional<double> value = parseDouble(text.chopped(suffix.text.size())))
             return DirectiveValue{directive_value::Length{*value, suffix.unit}};
-        return std::nullopt;
     }
+    if (text.endsWith(u'%') || text.endsWith(u"px") || text.endsWith(u"pt") || text.endsWith(u"em"))
+        return std::nullopt;
     if (const std::optional<double> value = parseDouble(text))
         return DirectiveValue{directive_value::Length{*value, DirectiveUnit::none}};
     return std::nullopt;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "MarkdownEngine/Core/MarkdownInline.h"
+#include "MarkdownEngine/Core/MarkdownInlineNode.h"
 #include "MarkdownEngine/Core/MarkdownParseOptions.h"
 #include "MarkdownEngine/Core/MarkdownSourceRange.h"
 
@@ -17,6 +18,17 @@ using MarkdownLinkDefinitions = QHash<QString, QString>;
 
 // Turns a range of a note's text into inlines that partition it. Pure: every call is
 // independent, and all ranges are offsets into the context's text.
+//
+// 1. Atoms: a walk finds the constructs that start at a definite unit and have their own
+//    closer (code, escapes, math, links, images, wiki links, footnotes, autolinks and HTML,
+//    strikethrough, highlight); each success claims its range.
+// 2. Emphasis: the `*` and `_` runs outside the claimed ranges are collected with their
+//    flanking, then paired on a stack.
+// 3. Merge: atoms and emphasis sorted by location, gaps filled with text.
+// The inner text of links, strikethrough and highlight is parsed again by the same steps;
+// the inner text of emphasis needs no new walk, as its atoms and pairs are exactly those the
+// enclosing walk found inside it. Nesting is followed with explicit stacks, never recursion,
+// so no depth of input exhausts the stack.
 class InlineParser {
 public:
     // What a parse needs besides the range. Holds views and pointers only: the text and the
@@ -26,6 +38,7 @@ public:
         const MarkdownLinkDefinitions* linkDefinitions = nullptr;
         const QSet<QString>* footnoteLabels = nullptr; // carried along; decides nothing here
         MarkdownParseOptions options;
+        int longestLinkLabel = 0; // in UTF-16 units, over linkDefinitions
 
         Context(QStringView text, const MarkdownLinkDefinitions& linkDefinitions,
                 const QSet<QString>& footnoteLabels, const MarkdownParseOptions& options);
@@ -33,8 +46,22 @@ public:
         explicit Context(QStringView text, const MarkdownParseOptions& options = {});
     };
 
+    // An emphasis delimiter run.
+    struct Delimiter {
+        char16_t character = 0;
+        int location = 0;
+        int count = 0;
+        bool canOpen = false;
+        bool canClose = false;
+    };
+
     // The range is clipped to the text; an empty result gives no inlines.
     [[nodiscard]] static std::vector<MarkdownInline> parse(MarkdownSourceRange range, const Context& context);
+    // The same, in the range-free form, text taken from the source.
+    [[nodiscard]] static std::vector<MarkdownInlineNode> nodes(MarkdownSourceRange range, const Context& context);
+    // The flanking rules of a run, given the units before and after it (LF at the edges).
+    [[nodiscard]] static Delimiter flanking(char16_t character, int location, int count, char16_t before,
+                                            char16_t after);
 };
 
 }

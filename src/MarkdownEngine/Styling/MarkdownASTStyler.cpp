@@ -1,0 +1,362 @@
+#include "MarkdownEngine/Styling/MarkdownASTStyler.h"
+
+#include "MarkdownEngine/Core/TextCharacters.h"
+#include "MarkdownEngine/Directives/DirectiveRegistryError.h"
+#include "MarkdownEngine/Layout/MarkdownTableColumnLayout.h"
+#include "MarkdownEngine/Parser/MarkdownTagScanner.h"
+#include "MarkdownEngine/Styling/MarkdownInlineStyler.h"
+
+#include <algorithm>
+
+namespace velmo::markdown {
+
+// The whole pass, in order:
+// 1. Active lines from the selection; the predicates that say which markers and formulas show.
+// 2. The block step for every block of the flat list (children are not descended into).
+// 3. The inline step for every block with inlines, then its text colours.
+// 4. The tag pass over the text outside code, formulas and front matter.
+// 5. The store, and the styled text: base attributes, then the fragments by priority.
+// 6. Table columns lined up, once every font is known.
+
+namespace {
+
+using Role = MarkdownEditorFragmentRole;
+
+DirectiveRegistry makeDirectives(const MarkdownEditorConfiguration& config)
+{
+    try {
+        return DirectiveRegistry(config.directives, config.directiveSettings);
+    } catch (const DirectiveRegistryError&) {
+        return DirectiveRegistry();
+    }
+}
+
+// Blocks are in source order and do not overlap: the first whose end lies beyond `location`.
+size_t firstBlockEndingAfter(const std::vector<MarkdownBlock>& blocks, int location)
+{
+    return size_t(std::upper_bound(blocks.begin(), blocks.end(), location,
+                                   [](int at, const MarkdownBlock& b) { return at < b.range.upperBound(); })
+                  - blocks.begin());
+}
+
+}
+
+MarkdownTextAttributes MarkdownASTStyler::BlockContext::base(const MarkdownParagraphMetrics& paragraph) const
+{
+    MarkdownTextAttributes a;
+    a.setFont(bodyFont);
+    a.setForeground(request->config->theme.bodyText);
+    a.setParagraph(paragraph);
+    return a;
+}
+
+std::vector<MarkdownSourceRange> MarkdownASTStyler::activeLineRanges(const MarkdownSourceEditorState& state,
+                                                                     const QString& text)
+{
+    std::vector<MarkdownSourceRange> lines = state.selectedLineRanges;
+    for (const MarkdownSourceRange& r : state.selectedRanges) {
+        if (r.length != 0)
+            continue;
+        const auto bounds = chars::lineAt(text, std::clamp<qsizetype>(r.location, 0, text.size()));
+        lines.push_back(MarkdownSourceRange::fromBounds(int(bounds.start), int(bounds.end)));
+    }
+    return lines;
+}
+
+MarkdownASTStyler::RangePredicate MarkdownASTStyler::markerVisibility(const Request& request,
+                                                                      const std::vector<MarkdownSourceRange>& activeLines)
+{
+    // The flag turns hiding on: without it every marker shows everywhere.
+    if (!request.config->markers.revealsMarkersOnActiveLine)
+        return [](MarkdownSourceRange) { return true; };
+    return [activeLines](MarkdownSourceRange r) {
+        return std::any_of(activeLines.begin(), activeLines.end(),
+                           [r](MarkdownSourceRange line) { return line.intersection(r).length > 0; });
+    };
+}
+
+namespace {
+
+// A selection of positive length must overlap; a caret must lie strictly inside, so a caret
+// at a formula's first position leaves it rendered.
+bool touches(const std::vector<MarkdownSourceRange>& selections, MarkdownSourceRange r)
+{
+    return std::any_of(selections.begin(), selections.end(), [r](MarkdownSourceRange s) {
+        if (s.length > 0)
+            return s.intersection(r).length >= 1;
+        return s.location > r.location && s.location < r.upperBound();
+    });
+}
+
+}
+
+MarkdownASTStyler::RangePredicate MarkdownASTStyler::formulaVisibility(const Request& request)
+{
+    if (!request.config->markers.revealsMarkersOnActiveLine || request.config->rawSourceMode)
+        return [](MarkdownSourceRange) { return false; };
+    return [selections = request.selection.selectedRanges](MarkdownSourceRange r) { return touches(selections, r); };
+}
+
+std::optional<MarkdownSourceRange> MarkdownASTStyler::formulaUnderSelection(const MarkdownSourceEditorState& state,
+                                                                            const MarkdownEditorFragmentStore& store)
+{
+    // Fragments are in location order: the first touched is the lowest.
+    for (const MarkdownEditorFragment& f : store.fragments()) {
+        if (f.role == Role::latex && touches(state.selectedRanges, f.range))
+            return f.range;
+    }
+    return std::nullopt;
+}
+
+MarkdownASTStyler::BlockContext MarkdownASTStyler::makeContext(const Request& request,
+                                                               const std::vector<MarkdownSourceRange>& activeLines,
+                                                               const MarkdownExtensionRegistry& registry,
+                                                               const DirectiveRegistry& directives)
+{
+    BlockContext context;
+    context.request = &request;
+    context.registry = &registry;
+    context.directives = &directives;
+    context.bodyFont = request.config->bodyFont();
+    context.text = &request.document->text;
+    context.showsMarkers = markerVisibility(request, activeLines);
+    context.revealsFormula = formulaVisibility(request);
+    context.attachments = request.attachments;
+    return context;
+}
+
+void MarkdownASTStyler::inlinePass(const MarkdownBlock& block, const BlockContext& context,
+                                   std::vector<MarkdownEditorFragment>& into)
+{
+    if (block.inlines.empty())
+        return;
+    MarkdownInlineStyler::Environment env;
+    env.config = context.request->config;
+    env.registry = context.registry;
+    env.baseFont = context.bodyFont;
+    env.baseAttributes.setFont(context.bodyFont);
+    env.baseAttributes.setForeground(context.request->config->theme.bodyText);
+    env.showsMarkers = context.showsMarkers;
+    env.revealsFormula = context.revealsFormula;
+    env.attachments = context.attachments;
+    env.maximumEmbedWidth = context.request->maximumEmbedWidth;
+    for (const MarkdownInline& node : block.inlines)
+        MarkdownInlineStyler::visit(node, env.baseAttributes, env.baseFont, env, into);
+    MarkdownInlineStyler::applyTextColors(block.inlines, env, into);
+}
+
+void MarkdownASTStyler::tagPass(const BlockContext& context, std::optional<MarkdownSourceRange> within,
+                                const std::vector<MarkdownEditorFragment>& fragments,
+                                std::vector<MarkdownEditorFragment>& into)
+{
+    const QString& text = *context.text;
+    const MarkdownSourceRange whole{0, int(text.size())};
+    const MarkdownSourceRange scope = within ? within->intersection(whole) : whole;
+    if (scope.length <= 0)
+        return;
+    std::vector<MarkdownSourceRange> excluding;
+    for (const MarkdownEditorFragment& f : fragments) {
+        switch (f.role) {
+        case Role::fence: case Role::fenceMarker: case Role::fenceInfo: case Role::inlineCode: case Role::latex:
+        case Role::frontMatter: {
+            const MarkdownSourceRange clipped = f.range.intersection(scope);
+            if (clipped.length > 0)
+                excluding.push_back({clipped.location - scope.location, clipped.length});
+            break;
+        }
+        default:
+            break;
+        }
+    }
+    const QStringView view = QStringView(text).mid(scope.location, scope.length);
+    for (const MarkdownTag& tag : MarkdownTagScanner::bodyTags(view, excluding)) {
+        MarkdownEditorFragment f;
+        f.range = {tag.range.location + scope.location, tag.range.length};
+        f.role = Role::tag;
+        f.attributes.setForeground(context.request->config->theme.tag);
+        f.attributes.setRole(Role::tag);
+        f.priority = 6;
+        into.push_back(std::move(f));
+    }
+}
+
+MarkdownASTStyler::Result MarkdownASTStyler::style(const Request& request)
+{
+    const MarkdownEditorConfiguration& config = *request.config;
+    const QString& text = request.document->text;
+    const MarkdownFontSpec bodyFont = config.bodyFont();
+    Result result;
+
+    if (config.rawSourceMode) {
+        MarkdownTextAttributes a;
+        a.setFont(MarkdownFont::monospaced(bodyFont.pointSize));
+        a.setForeground(config.theme.bodyText);
+        a.setParagraph(baseParagraphStyle(config, bodyFont.pointSize));
+        result.attributedString = MarkdownStyledText(text, a);
+        return result;
+    }
+
+    result.activeLines = activeLineRanges(request.selection, text);
+    const MarkdownExtensionRegistry registry(config.extensions);
+    const DirectiveRegistry directives = makeDirectives(config);
+    BlockContext context = makeContext(request, result.activeLines, registry, directives);
+    context.listGutters = listGutters(request, text, bodyFont);
+
+    std::vector<MarkdownEditorFragment> fragments;
+    fragments.reserve(request.document->blocks.size() * 4);
+    for (const MarkdownBlock& block : request.document->blocks)
+        style(block, context, fragments);
+    for (const MarkdownBlock& block : request.document->blocks)
+        inlinePass(block, context, fragments);
+    std::vector<MarkdownEditorFragment> tags;
+    tagPass(context, std::nullopt, fragments, tags);
+    fragments.insert(fragments.end(), std::make_move_iterator(tags.begin()), std::make_move_iterator(tags.end()));
+
+    result.fragments = MarkdownEditorFragmentStore(std::move(fragments));
+
+    MarkdownParagraphMetrics paragraph = baseParagraphStyle(config, bodyFont.pointSize);
+    if (config.paragraph.blankLineFactor >= 0 && config.paragraph.blankLineFactor < 1)
+        paragraph.paragraphSpacing *= float(std::max(config.paragraph.blankLineFactor - 0.7, 0.0) / 0.3);
+    MarkdownTextAttributes base;
+    base.setFont(bodyFont);
+    base.setForeground(config.theme.bodyText);
+    base.setParagraph(paragraph);
+    result.attributedString = MarkdownStyledText(text, base);
+    result.fragments.apply(result.attributedString, base);
+
+    std::vector<const MarkdownTable*> tables;
+    request.document->forEachBlock([&tables](const MarkdownBlock& block) {
+        if (const auto* table = block.as<block_kind::Table>())
+            tables.push_back(&table->table);
+    });
+    if (!tables.empty())
+        MarkdownTableColumnLayout::apply(result.attributedString, tables, config);
+    return result;
+}
+
+MarkdownASTStyler::SelectionFragments
+MarkdownASTStyler::selectionFragments(const Request& request, const std::vector<MarkdownSourceRange>& affectedLines)
+{
+    const MarkdownEditorConfiguration& config = *request.config;
+    const QString& text = request.document->text;
+    const std::vector<MarkdownBlock>& blocks = request.document->blocks;
+    SelectionFragments out;
+
+    // Indices of the blocks touched by an affected line, each once, in order.
+    std::vector<size_t> touched;
+    for (const MarkdownSourceRange& line : affectedLines) {
+        for (size_t i = firstBlockEndingAfter(blocks, line.location);
+             i < blocks.size() && blocks[i].range.location < line.upperBound(); ++i) {
+            if (blocks[i].range.intersection(line).length > 0)
+                touched.push_back(i);
+        }
+    }
+    std::sort(touched.begin(), touched.end());
+    touched.erase(std::unique(touched.begin(), touched.end()), touched.end());
+
+    if (!touched.empty()) {
+        const std::vector<MarkdownSourceRange> activeLines = activeLineRanges(request.selection, text);
+        const MarkdownExtensionRegistry registry(config.extensions);
+        const DirectiveRegistry directives = makeDirectives(config);
+        BlockContext context = makeContext(request, activeLines, registry, directives);
+        // Gutters are shared within a run of list items only (any other block ends every
+        // group), so the runs around the touched items give the same widths as the whole note.
+        for (size_t i : touched) {
+            if (!blocks[i].is<block_kind::ListItem>() || context.listGutters.contains(blocks[i].range.location))
+                continue;
+            size_t first = i, last = i;
+            while (first > 0 && blocks[first - 1].is<block_kind::ListItem>())
+                --first;
+            while (last + 1 < blocks.size() && blocks[last + 1].is<block_kind::ListItem>())
+                ++last;
+            context.listGutters.insert(listGutters(*request.document, first, last + 1, text, context.bodyFont));
+        }
+        for (size_t i : touched)
+            style(blocks[i], context, out.fragments);
+        for (size_t i : touched)
+            inlinePass(blocks[i], context, out.fragments);
+        for (size_t i : touched) {
+            std::vector<MarkdownEditorFragment> own;
+            for (const MarkdownEditorFragment& f : out.fragments) {
+                if (f.range.intersects(blocks[i].range))
+                    own.push_back(f);
+            }
+            tagPass(context, blocks[i].range, own, out.fragments);
+        }
+    }
+
+    std::vector<MarkdownSourceRange> ranges;
+    for (size_t i : touched)
+        ranges.push_back(blocks[i].range);
+    ranges.insert(ranges.end(), affectedLines.begin(), affectedLines.end());
+    ranges.erase(std::remove_if(ranges.begin(), ranges.end(), [](MarkdownSourceRange r) { return r.length <= 0; }),
+                 ranges.end());
+    std::sort(ranges.begin(), ranges.end(), [](auto a, auto b) { return a.location < b.location; });
+    for (const MarkdownSourceRange& r : ranges) {
+        if (!out.ranges.empty() && r.location <= out.ranges.back().upperBound())
+            out.ranges.back() = out.ranges.back().united(r);
+        else
+            out.ranges.push_back(r);
+    }
+    return out;
+}
+
+QHash<int, double> MarkdownASTStyler::listGutters(const Request& request, const QString& text,
+                                                  const MarkdownFontSpec& font)
+{
+    return listGutters(*request.document, 0, request.document->blocks.size(), text, font);
+}
+
+QHash<int, double> MarkdownASTStyler::listGutters(const MarkdownDocument& document, size_t first, size_t last,
+                                                  const QString& text, const MarkdownFontSpec& font)
+{
+    struct Group {
+        int indent = 0;
+        int quoteDepth = 0;
+        bool ordered = false;
+        std::vector<int> items;
+        double width = 0;
+    };
+    QHash<int, double> gutters;
+    std::vector<Group> stack;
+    auto finish = [&] {
+        for (int item : stack.back().items)
+            gutters.insert(item, stack.back().width);
+        stack.pop_back();
+    };
+    const MarkdownFontSpec tabular = MarkdownFont::tabularDigits(font);
+    for (size_t i = first; i < last; ++i) {
+        const MarkdownBlock& block = document.blocks[i];
+        const auto* item = block.as<block_kind::ListItem>();
+        if (!item) {
+            while (!stack.empty())
+                finish();
+            continue;
+        }
+        const MarkdownListMarker& m = item->marker;
+        const bool ordered = std::holds_alternative<list_kind::Ordered>(m.kind);
+        while (!stack.empty() && (stack.back().quoteDepth != block.quoteDepth || m.indent < stack.back().indent))
+            finish();
+        if (!stack.empty() && stack.back().indent == m.indent && stack.back().ordered != ordered)
+            finish();
+        if (stack.empty() || stack.back().indent != m.indent)
+            stack.push_back({m.indent, block.quoteDepth, ordered, {}, 0});
+        int prefixEnd = m.contentStart;
+        if (document.options.taskCheckboxes) {
+            if (auto box = taskCheckboxRange(block, text)) {
+                prefixEnd = box->range.upperBound();
+                if (prefixEnd < text.size() && chars::isWhitespace(text.at(prefixEnd).unicode()))
+                    ++prefixEnd;
+            }
+        }
+        const QString prefix = text.mid(m.markerRange.location, std::max(0, prefixEnd - m.markerRange.location));
+        const double width = (ordered ? tabular : font).width(prefix);
+        stack.back().items.push_back(block.range.location);
+        stack.back().width = std::max(stack.back().width, width);
+    }
+    while (!stack.empty())
+        finish();
+    return gutters;
+}
+
+}

@@ -1,0 +1,127 @@
+#pragma once
+
+#include "MarkdownEngine/Configuration/MarkdownEditorConfiguration.h"
+#include "MarkdownEngine/Core/MarkdownDocument.h"
+#include "MarkdownEngine/Core/MarkdownSourceEditorState.h"
+#include "MarkdownEngine/Directives/DirectiveRegistry.h"
+#include "MarkdownEngine/Extensions/MarkdownExtensionRegistry.h"
+#include "MarkdownEngine/Styling/MarkdownEditorAttachmentFactory.h"
+#include "MarkdownEngine/Styling/MarkdownEditorFragmentStore.h"
+#include "MarkdownEngine/Styling/MarkdownStyledText.h"
+
+#include <QHash>
+#include <functional>
+#include <optional>
+#include <vector>
+
+namespace velmo::markdown {
+
+// The block styler: a parsed note, the selection and the configuration in; fragments over the
+// unchanged source and the styled text out. Markers are never removed: off the active line
+// they are hidden, on it they show. Pure but for the attachment factory's cache.
+class MarkdownASTStyler {
+public:
+    MarkdownASTStyler() = delete;
+
+    using RangePredicate = std::function<bool(MarkdownSourceRange)>;
+
+    struct Request {
+        const MarkdownDocument* document = nullptr;
+        MarkdownSourceEditorState selection;
+        const MarkdownEditorConfiguration* config = nullptr;
+        MarkdownEditorAttachmentFactory* attachments = nullptr; // may be null: no pictures
+        double maximumEmbedWidth = 620.0;
+        // Coloured code by codeKey; may be null.
+        const QHash<QString, MarkdownStyledText>* highlightedCode = nullptr;
+    };
+
+    struct Result {
+        MarkdownStyledText attributedString;
+        MarkdownEditorFragmentStore fragments;
+        std::vector<MarkdownSourceRange> activeLines;
+    };
+
+    struct SelectionFragments {
+        std::vector<MarkdownEditorFragment> fragments; // unsorted
+        std::vector<MarkdownSourceRange> ranges;       // sorted, merged
+    };
+
+    struct CheckboxHit {
+        MarkdownSourceRange range; // the three characters of "[ ]"
+        bool isChecked = false;
+    };
+
+    // What every block step is given.
+    struct BlockContext {
+        const Request* request = nullptr;
+        const MarkdownExtensionRegistry* registry = nullptr;
+        const DirectiveRegistry* directives = nullptr;
+        MarkdownFontSpec bodyFont;
+        const QString* text = nullptr;
+        RangePredicate showsMarkers;
+        RangePredicate revealsFormula;
+        MarkdownEditorAttachmentFactory* attachments = nullptr;
+        QHash<int, double> listGutters; // block location to gutter width
+
+        [[nodiscard]] MarkdownTextAttributes base(const MarkdownParagraphMetrics& paragraph) const;
+    };
+
+    [[nodiscard]] static Result style(const Request& request);
+    [[nodiscard]] static SelectionFragments selectionFragments(const Request& request,
+                                                               const std::vector<MarkdownSourceRange>& affectedLines);
+    [[nodiscard]] static std::vector<MarkdownSourceRange> activeLineRanges(const MarkdownSourceEditorState& state,
+                                                                           const QString& text);
+    [[nodiscard]] static std::optional<MarkdownSourceRange> formulaUnderSelection(const MarkdownSourceEditorState& state,
+                                                                                  const MarkdownEditorFragmentStore& store);
+
+    [[nodiscard]] static double blockPointSize(const MarkdownBlock& block, const MarkdownEditorConfiguration& config,
+                                               double bodySize);
+    [[nodiscard]] static MarkdownParagraphMetrics baseParagraphStyle(const MarkdownEditorConfiguration& config,
+                                                                     double pointSize);
+    [[nodiscard]] static MarkdownParagraphMetrics paragraphStyle(const MarkdownBlock& block,
+                                                                 const MarkdownEditorConfiguration& config,
+                                                                 const MarkdownFontSpec& bodyFont);
+    [[nodiscard]] static MarkdownFontSpec headingFont(int level, const MarkdownEditorConfiguration& config,
+                                                      const MarkdownFontSpec& bodyFont);
+    [[nodiscard]] static std::optional<CheckboxHit> taskCheckboxRange(const MarkdownBlock& block, const QString& text);
+    [[nodiscard]] static std::optional<MarkdownSourceRange> fenceInfoRange(const MarkdownBlock& block, const QString& text);
+    [[nodiscard]] static RangePredicate markerVisibility(const Request& request,
+                                                         const std::vector<MarkdownSourceRange>& activeLines);
+    [[nodiscard]] static RangePredicate formulaVisibility(const Request& request);
+    [[nodiscard]] static QHash<int, double> listGutters(const Request& request, const QString& text,
+                                                        const MarkdownFontSpec& font);
+    // The key of a fence's colouring: language, U+0001, then the content's location:length.
+    [[nodiscard]] static QString codeKey(const MarkdownBlock& block);
+    // "mermaid" and its kin name a diagram kind; absent for other languages.
+    [[nodiscard]] static std::optional<QString> diagramKind(const std::optional<QString>& language);
+
+    // The block step, and the tag pass over `within` (the whole text when absent).
+    static void style(const MarkdownBlock& block, const BlockContext& context, std::vector<MarkdownEditorFragment>& into);
+    static void tagPass(const BlockContext& context, std::optional<MarkdownSourceRange> within,
+                        const std::vector<MarkdownEditorFragment>& fragments, std::vector<MarkdownEditorFragment>& into);
+
+private:
+    static QHash<int, double> listGutters(const MarkdownDocument& document, size_t first, size_t last,
+                                          const QString& text, const MarkdownFontSpec& font);
+    static void styleQuote(const MarkdownBlock& block, MarkdownTextAttributes base, const BlockContext& context,
+                           std::vector<MarkdownEditorFragment>& into);
+    static void styleListItem(const MarkdownBlock& block, MarkdownTextAttributes& base,
+                              const MarkdownParagraphMetrics& paragraph, const BlockContext& context,
+                              std::vector<MarkdownEditorFragment>& into);
+    static void styleFence(const MarkdownBlock& block, const MarkdownTextAttributes& base, const BlockContext& context,
+                           std::vector<MarkdownEditorFragment>& into);
+    static void styleTable(const MarkdownBlock& block, const MarkdownTextAttributes& base, const BlockContext& context,
+                           std::vector<MarkdownEditorFragment>& into);
+    static void styleDirective(const MarkdownBlock& block, const MarkdownTextAttributes& base,
+                               const BlockContext& context, std::vector<MarkdownEditorFragment>& into);
+    static void styleBlockLatex(const MarkdownBlock& block, const MarkdownTextAttributes& base,
+                                const BlockContext& context, std::vector<MarkdownEditorFragment>& into);
+    static void markerPass(const MarkdownBlock& block, MarkdownEditorFragmentRole role, const QColor& color,
+                           const BlockContext& context, std::vector<MarkdownEditorFragment>& into);
+    static void inlinePass(const MarkdownBlock& block, const BlockContext& context,
+                           std::vector<MarkdownEditorFragment>& into);
+    static BlockContext makeContext(const Request& request, const std::vector<MarkdownSourceRange>& activeLines,
+                                    const MarkdownExtensionRegistry& registry, const DirectiveRegistry& directives);
+};
+
+}

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "MarkdownEngine/Core/MarkdownSourceRange.h"
+#include "MarkdownEngine/Styling/MarkdownEditorFragmentRole.h"
+#include "MarkdownEngine/Styling/MarkdownTextAttributes.h"
+
+#include <QString>
+#include <memory>
+#include <optional>
+
+namespace velmo::markdown {
+
+struct MarkdownEditorConfiguration;
+
+// What one range of the unchanged source looks like. Higher priority is applied later and wins.
+struct MarkdownEditorFragment {
+    MarkdownSourceRange range;
+    MarkdownEditorFragmentRole role = MarkdownEditorFragmentRole::body;
+    MarkdownTextAttributes attributes;
+    std::optional<QString> replacement;
+    // Usually absent; shared so that the common fragment carries one pointer for it.
+    std::shared_ptr<const MarkdownTextAttributes> replacementAttributes;
+    bool isHidden = false;
+    int priority = 0;
+
+    [[nodiscard]] bool isEmpty() const { return range.length == 0; }
+    [[nodiscard]] int end() const { return range.upperBound(); }
+    [[nodiscard]] bool contains(int location) const { return range.contains(location); }
+    [[nodiscard]] bool intersects(MarkdownSourceRange r) const { return range.intersection(r).length > 0; }
+    // `attributes` with Velmo.role, and Velmo.hidden when hidden.
+    [[nodiscard]] MarkdownTextAttributes effectiveAttributes() const;
+
+    // A marker off the active line: the body font shrunk to next to nothing, clear ink.
+    [[nodiscard]] static MarkdownEditorFragment hidden(MarkdownSourceRange range, MarkdownEditorFragmentRole role,
+                                                       const MarkdownEditorConfiguration& config);
+
+    friend bool operator==(const MarkdownEditorFragment& a, const MarkdownEditorFragment& b);
+};
+
+}

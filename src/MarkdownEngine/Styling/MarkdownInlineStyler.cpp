@@ -1,0 +1,384 @@
+#include "MarkdownEngine/Styling/MarkdownInlineStyler.h"
+
+#include "MarkdownEngine/Core/MarkdownTextColor.h"
+#include "MarkdownEngine/Core/TextCharacters.h"
+
+#include <QFontDatabase>
+#include <QRegularExpression>
+#include <QUrl>
+
+namespace velmo::markdown {
+
+namespace {
+
+using Role = MarkdownEditorFragmentRole;
+namespace ik = inline_kind;
+
+MarkdownEditorFragment make(MarkdownSourceRange range, Role role, MarkdownTextAttributes attributes, int priority,
+                            bool hidden = false)
+{
+    MarkdownEditorFragment f;
+    f.range = range;
+    f.role = role;
+    f.attributes = std::move(attributes);
+    f.priority = priority;
+    f.isHidden = hidden;
+    return f;
+}
+
+QColor withAlpha(QColor c, double alpha)
+{
+    c.setAlphaF(float(std::clamp(alpha, 0.0, 1.0)));
+    return c;
+}
+
+void markerPass(const MarkdownInline& node, Role role, const QColor& color, const MarkdownInlineStyler::Environment& env,
+                std::vector<MarkdownEditorFragment>& into)
+{
+    for (const MarkdownSourceRange& marker : node.markerRanges) {
+        if (marker.length <= 0 || marker.intersection(node.contentRange).length > 0)
+            continue;
+        if (env.showsMarkers(marker)) {
+            MarkdownTextAttributes a;
+            a.setForeground(color);
+            into.push_back(make(marker, role, std::move(a), 30));
+        } else {
+            into.push_back(make(marker, role, {}, 30, true));
+        }
+    }
+}
+
+MarkdownFontSpec codeFont(const std::optional<QString>& name, double size)
+{
+    if (name && MarkdownFont::isAvailable(*name))
+        return MarkdownFontSpec{*name, float(size)};
+    return MarkdownFont::monospaced(size);
+}
+
+void visitLink(const MarkdownInline& node, const ik::Link& link, const MarkdownTextAttributes& handed,
+               const MarkdownFontSpec& font, const MarkdownInlineStyler::Environment& env,
+               std::vector<MarkdownEditorFragment>& into)
+{
+    const MarkdownEditorConfiguration& config = *env.config;
+    const QString destination = chars::trimmed(link.destination).toString();
+    const bool incomplete = !link.hasDestination || destination.isEmpty();
+    MarkdownTextAttributes a = handed;
+    if (auto url = MarkdownInlineStyler::webURL(destination); url && !incomplete)
+        a.setLink(*url);
+    if (incomplete) {
+        a.setForeground(withAlpha(config.theme.incompleteLink, config.link.incompleteLinkAlpha));
+    } else {
+        a.setForeground(withAlpha(config.theme.link, config.link.activeLinkAlpha));
+        a.setUnderline(withAlpha(config.theme.link, config.link.underlineAlpha));
+    }
+    if (node.contentRange.length > 0)
+        into.push_back(make(node.contentRange, Role::link, a, 0));
+    for (const MarkdownInline& child : node.children)
+        MarkdownInlineStyler::visit(child, a, font, env, into);
+    const int contentEnd = node.contentRange.upperBound();
+    for (const MarkdownSourceRange& marker : node.markerRanges) {
+        if (marker.length <= 0)
+            continue;
+        const bool shows = env.showsMarkers(marker);
+        if (shows && marker.length >= 2 && marker.location >= contentEnd) {
+            MarkdownTextAttributes d;
+            d.setForeground(config.theme.disabledText);
+            d.setFont(MarkdownFont::monospaced(font.pointSize * 0.9));
+            into.push_back(make(marker, Role::linkDestination, std::move(d), 0));
+        } else if (shows) {
+            MarkdownTextAttributes m;
+            m.setForeground(config.theme.marker);
+            into.push_back(make(marker, Role::linkMarker, std::move(m), 0));
+        } else if (marker.upperBound() <= node.contentRange.location || marker.location >= contentEnd) {
+            MarkdownTextAttributes m;
+            m.setForeground(clearColor);
+            into.push_back(make(marker, Role::linkMarker, std::move(m), 31, true));
+        }
+    }
+}
+
+void visitImage(const MarkdownInline& node, const ik::Image& image, const MarkdownTextAttributes& handed,
+                const MarkdownFontSpec& font, const MarkdownInlineStyler::Environment& env,
+                std::vector<MarkdownEditorFragment>& into)
+{
+    const MarkdownEditorConfiguration& config = *env.config;
+    const QString source = chars::trimmed(image.source).toString();
+    MarkdownTextAttributes a = handed;
+    a.setForeground(config.theme.disabledText);
+    if (!image.isEmbed) {
+        a.setFont(MarkdownFont::monospaced(font.pointSize * 0.9));
+        into.push_back(make(node.range, Role::imageEmbed, std::move(a), 0));
+        return;
+    }
+    auto attachment = env.attachments
+        ? env.attachments->embeddedImage(source, std::nullopt, std::nullopt, env.maximumEmbedWidth)
+        : nullptr;
+    if (!attachment) {
+        into.push_back(make(node.range, Role::imageEmbed, std::move(a), 0));
+        return;
+    }
+    MarkdownTextAttributes e = handed;
+    e.setAttachment(std::move(attachment));
+    into.push_back(make(node.range, Role::imageEmbed, std::move(e), 20));
+}
+
+void visitLatex(const MarkdownInline& node, const ik::Latex& latex, const MarkdownTextAttributes& handed,
+                const MarkdownFontSpec& font, const MarkdownInlineStyler::Environment& env,
+                std::vector<MarkdownEditorFragment>& into)
+{
+    const QColor ink = env.config->theme.latexInk();
+    MarkdownEditorAttachmentFactory::AttachmentPointer attachment;
+    if (env.attachments) {
+        attachment = latex.isBlock ? env.attachments->blockLatex(latex.source, font.pointSize, ink)
+                                   : env.attachments->inlineLatex(latex.source, font.pointSize, ink);
+    }
+    if (!attachment || env.revealsFormula(node.range)) {
+        MarkdownTextAttributes a = handed;
+        a.setFont(MarkdownFont::monospaced(font.pointSize));
+        a.setForeground(ink);
+        into.push_back(make(node.range, Role::latex, std::move(a), attachment ? 20 : 0));
+        return;
+    }
+    MarkdownTextAttributes a = handed;
+    a.setRole(Role::latex);
+    a.setFont(MarkdownFont::withSize(font, std::max<double>(font.pointSize, attachment->size.height() * 0.6)));
+    a.setAttachment(std::move(attachment));
+    into.push_back(make(node.range, Role::latex, std::move(a), 20));
+}
+
+}
+
+MarkdownTextAttributes MarkdownInlineStyler::attributes(const QTextCharFormat& format, const MarkdownFontSpec& font)
+{
+    MarkdownTextAttributes a;
+    if (format.hasProperty(QTextFormat::ForegroundBrush))
+        a.setForeground(format.foreground().color());
+    if (format.hasProperty(QTextFormat::BackgroundBrush))
+        a.setBackground(format.background().color());
+    if (format.hasProperty(QTextFormat::FontStrikeOut) && format.fontStrikeOut())
+        a.keys |= MarkdownTextAttributes::Strikethrough;
+    if (format.hasProperty(QTextFormat::TextUnderlineStyle) && format.underlineStyle() != QTextCharFormat::NoUnderline)
+        a.keys |= MarkdownTextAttributes::Underline;
+    if (format.hasProperty(QTextFormat::TextUnderlineColor))
+        a.setUnderline(format.underlineColor());
+    const bool fontChanged = format.hasProperty(QTextFormat::FontWeight) || format.hasProperty(QTextFormat::FontItalic)
+        || format.hasProperty(QTextFormat::FontPointSize) || format.hasProperty(QTextFormat::FontFamilies);
+    if (fontChanged) {
+        MarkdownFontSpec f = font;
+        if (format.hasProperty(QTextFormat::FontWeight))
+            f.weight = short(format.fontWeight());
+        if (format.hasProperty(QTextFormat::FontItalic))
+            f.italic = format.fontItalic();
+        if (format.hasProperty(QTextFormat::FontPointSize))
+            f.pointSize = float(format.fontPointSize());
+        if (format.hasProperty(QTextFormat::FontFamilies)) {
+            const QStringList families = format.fontFamilies().toStringList();
+            if (!families.isEmpty())
+                f.family = families.first();
+        }
+        a.setFont(f);
+    }
+    return a;
+}
+
+std::optional<QString> MarkdownInlineStyler::webURL(const QString& destination)
+{
+    if (destination.isEmpty() || destination.contains(u' '))
+        return std::nullopt;
+    static const QRegularExpression scheme(QStringLiteral("^[A-Za-z][A-Za-z0-9+.-]*:"));
+    static const QRegularExpression mail(QStringLiteral("^[^@/:\\s]+@[^@/:\\s]+\\.[^@/:\\s]+$"));
+    if (scheme.match(destination).hasMatch()) {
+        const QUrl url(destination);
+        return url.isValid() ? std::optional(url.toString()) : std::nullopt;
+    }
+    if (destination.startsWith(QLatin1String("www."), Qt::CaseInsensitive))
+        return QStringLiteral("https://") + destination;
+    if (mail.match(destination).hasMatch())
+        return QStringLiteral("mailto:") + destination;
+    return std::nullopt;
+}
+
+std::vector<MarkdownEditorFragment> MarkdownInlineStyler::fragments(const std::vector<MarkdownInline>& inlines,
+                                                                    const Environment& environment)
+{
+    std::vector<MarkdownEditorFragment> out;
+    for (const MarkdownInline& node : inlines)
+        visit(node, environment.baseAttributes, environment.baseFont, environment, out);
+    return out;
+}
+
+void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextAttributes& rootAttributes,
+                                 const MarkdownFontSpec& rootFont, const Environment& env,
+                                 std::vector<MarkdownEditorFragment>& into)
+{
+    const MarkdownEditorConfiguration& config = *env.config;
+    const MarkdownEditorTheme& theme = config.theme;
+    // Each frame hands its attributes and font down to the children it pushes. Attribute sets
+    // are shared by the siblings of a level, so a deep chain costs one set per level.
+    struct Frame {
+        const MarkdownInline* node;
+        std::shared_ptr<const MarkdownTextAttributes> attributes;
+        MarkdownFontSpec font;
+    };
+    std::vector<Frame> stack;
+    stack.push_back({&root, std::make_shared<const MarkdownTextAttributes>(rootAttributes), rootFont});
+    auto pushChildren = [&stack](const MarkdownInline& node, std::shared_ptr<const MarkdownTextAttributes> a,
+                                 const MarkdownFontSpec& font) {
+        for (auto child = node.children.rbegin(); child != node.children.rend(); ++child)
+            stack.push_back({&*child, a, font});
+    };
+
+    while (!stack.empty()) {
+        Frame frame = std::move(stack.back());
+        stack.pop_back();
+        const MarkdownInline& node = *frame.node;
+        const MarkdownTextAttributes& handed = *frame.attributes;
+        const MarkdownFontSpec& font = frame.font;
+
+        if (node.is<ik::Text>()) {
+            into.push_back(make(node.range, Role::body, handed, 0));
+        } else if (node.is<ik::Escape>()) {
+            into.push_back(make(node.contentRange, Role::body, handed, 0));
+            for (const MarkdownSourceRange& marker : node.markerRanges) {
+                if (marker.length > 0)
+                    into.push_back(make(marker, Role::escapeMarker, {}, 30, true));
+            }
+        } else if (node.is<ik::Code>()) {
+            MarkdownTextAttributes a = handed;
+            a.setFont(codeFont(config.inlineCode.fontName, font.pointSize * config.inlineCode.fontSizeScale));
+            a.setForeground(theme.bodyText);
+            a.setBackground(theme.codeBackground);
+            into.push_back(make(node.range, Role::inlineCode, std::move(a), 10));
+            markerPass(node, Role::codeMarker, withAlpha(theme.marker, config.markers.inlineCodeMarkerAlpha), env, into);
+        } else if (const auto* emphasis = node.as<ik::Emphasis>()) {
+            // The kind's raw value plus one is the trait mask: italic 1, bold 2, both 3.
+            const int mask = int(emphasis->emphasis) + 1;
+            MarkdownFontSpec emphasized = font;
+            if (mask & 1)
+                emphasized = MarkdownFont::applying(MarkdownFont::Trait::italic, emphasized);
+            if (mask & 2)
+                emphasized = MarkdownFont::applying(MarkdownFont::Trait::bold, emphasized);
+            auto a = std::make_shared<MarkdownTextAttributes>(handed);
+            a->setFont(emphasized);
+            into.push_back(make(node.contentRange, Role::body, *a, 0));
+            markerPass(node, Role::emphasisMarker, theme.marker, env, into);
+            pushChildren(node, std::move(a), font);
+        } else if (node.is<ik::Strikethrough>() || node.is<ik::Highlight>()) {
+            const bool strike = node.is<ik::Strikethrough>();
+            auto a = std::make_shared<MarkdownTextAttributes>(handed);
+            auto extension = env.registry ? env.registry->extension(strike ? QStringLiteral("strikethrough")
+                                                                           : QStringLiteral("highlight"))
+                                          : nullptr;
+            if (extension)
+                a->merge(attributes(extension->contentAttributes(font.toQFont()), font));
+            if (strike)
+                a->setStrikethroughColor(theme.strikethroughColor);
+            else if (!extension)
+                a->setBackground(theme.highlightColor);
+            into.push_back(make(node.contentRange, Role::body, *a, 0));
+            markerPass(node, Role::emphasisMarker, theme.marker, env, into);
+            pushChildren(node, std::move(a), font);
+        } else if (const auto* span = node.as<ik::ExtensionSpan>()) {
+            auto a = std::make_shared<MarkdownTextAttributes>(handed);
+            if (auto extension = env.registry ? env.registry->extension(span->name) : nullptr)
+                a->merge(attributes(extension->contentAttributes(font.toQFont()), font));
+            into.push_back(make(node.contentRange, Role::directiveBody, *a, 0));
+            markerPass(node, Role::directiveMarker, theme.marker, env, into);
+            pushChildren(node, std::move(a), font);
+        } else if (const auto* link = node.as<ik::Link>()) {
+            visitLink(node, *link, handed, font, env, into);
+        } else if (const auto* wiki = node.as<ik::WikiLink>()) {
+            MarkdownTextAttributes a = handed;
+            a.setForeground(theme.link);
+            a.setUnderline(withAlpha(theme.link, config.link.underlineAlpha));
+            a.setRole(Role::wikiLink);
+            a.setWikiLinkID(wiki->target);
+            into.push_back(make(node.contentRange, Role::wikiLink, std::move(a), 0));
+            markerPass(node, Role::linkMarker, theme.marker, env, into);
+        } else if (const auto* image = node.as<ik::Image>()) {
+            visitImage(node, *image, handed, font, env, into);
+        } else if (const auto* latex = node.as<ik::Latex>()) {
+            visitLatex(node, *latex, handed, font, env, into);
+        } else if (const auto* footnote = node.as<ik::FootnoteReference>()) {
+            MarkdownTextAttributes a = handed;
+            const MarkdownFontSpec small = MarkdownFont::withSize(font, font.pointSize * 0.75);
+            a.setFont(small);
+            a.setBaselineOffset(small.pointSize * 0.33f);
+            a.setForeground(theme.link);
+            a.setRole(Role::footnote);
+            a.setWikiLinkID(footnote->label);
+            into.push_back(make(node.range, Role::footnote, std::move(a), 10));
+        } else if (node.is<ik::Html>()) {
+            MarkdownTextAttributes a = handed;
+            a.setForeground(theme.disabledText);
+            a.setFont(MarkdownFont::monospaced(font.pointSize * 0.92));
+            into.push_back(make(node.range, Role::html, std::move(a), 0));
+        } else { // soft and hard breaks
+            into.push_back(make(node.range, Role::body, {}, 0));
+        }
+    }
+}
+
+void MarkdownInlineStyler::applyTextColors(const std::vector<MarkdownInline>& inlines, const Environment& env,
+                                           std::vector<MarkdownEditorFragment>& into)
+{
+    static const QRegularExpression open(
+        QStringLiteral("^span\\s+style\\s*=\\s*[\"']\\s*color\\s*:\\s*([^;\"'<>]+?)\\s*;?\\s*[\"']\\s*$"),
+        QRegularExpression::CaseInsensitiveOption);
+    auto innerText = [](const QString& tag) {
+        QStringView v(tag);
+        v = chars::trimmed(v);
+        if (v.startsWith(u'<'))
+            v = v.mid(1);
+        if (v.endsWith(u'>'))
+            v = v.chopped(1);
+        return v;
+    };
+    auto isClose = [&](const MarkdownInline& node) {
+        const auto* html = node.as<ik::Html>();
+        return html && chars::trimmed(innerText(html->source)).compare(u"/span", Qt::CaseInsensitive) == 0;
+    };
+    auto hideTag = [&](MarkdownSourceRange tag) {
+        if (env.showsMarkers(tag)) {
+            MarkdownTextAttributes a;
+            a.setForeground(env.config->theme.marker);
+            into.push_back(make(tag, Role::html, std::move(a), 30));
+        } else {
+            into.push_back(make(tag, Role::html, {}, 30, true));
+        }
+    };
+    // Sibling lists to look through, deepest included; a worklist keeps nesting off the stack.
+    std::vector<const std::vector<MarkdownInline>*> levels{&inlines};
+    while (!levels.empty()) {
+        const std::vector<MarkdownInline>& siblings = *levels.back();
+        levels.pop_back();
+        for (size_t i = 0; i < siblings.size(); ++i) {
+            const MarkdownInline& node = siblings[i];
+            if (!node.children.empty())
+                levels.push_back(&node.children);
+            const auto* html = node.as<ik::Html>();
+            if (!html)
+                continue;
+            const auto match = open.match(innerText(html->source));
+            if (!match.hasMatch())
+                continue;
+            size_t close = i + 1;
+            while (close < siblings.size() && !isClose(siblings[close]))
+                ++close;
+            if (close == siblings.size())
+                continue;
+            const auto color = MarkdownTextColor::parse(match.capturedView(1));
+            if (!color)
+                continue;
+            const MarkdownSourceRange inner = MarkdownSourceRange::fromBounds(node.range.upperBound(),
+                                                                              siblings[close].range.location);
+            MarkdownTextAttributes a;
+            a.setForeground(*color);
+            into.push_back(make(inner, Role::body, std::move(a), 0));
+            hideTag(node.range);
+            hideTag(siblings[close].range);
+        }
+    }
+}
+
+}

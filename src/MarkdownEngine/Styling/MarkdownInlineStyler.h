@@ -1,0 +1,50 @@
+#pragma once
+
+#include "MarkdownEngine/Configuration/MarkdownEditorConfiguration.h"
+#include "MarkdownEngine/Core/MarkdownInline.h"
+#include "MarkdownEngine/Extensions/MarkdownExtensionRegistry.h"
+#include "MarkdownEngine/Styling/MarkdownEditorAttachmentFactory.h"
+#include "MarkdownEngine/Styling/MarkdownEditorFragment.h"
+
+#include <QTextCharFormat>
+#include <functional>
+#include <vector>
+
+namespace velmo::markdown {
+
+// Turns the inline nodes of one block into fragments, hiding markers by the same rules as the
+// block styler. Pure but for the attachment factory's cache.
+class MarkdownInlineStyler {
+public:
+    MarkdownInlineStyler() = delete;
+
+    using RangePredicate = std::function<bool(MarkdownSourceRange)>;
+
+    struct Environment {
+        const MarkdownEditorConfiguration* config = nullptr;
+        const MarkdownExtensionRegistry* registry = nullptr;
+        MarkdownFontSpec baseFont;
+        MarkdownTextAttributes baseAttributes;
+        RangePredicate showsMarkers;
+        RangePredicate revealsFormula;
+        MarkdownEditorAttachmentFactory* attachments = nullptr; // may be null: no pictures
+        double maximumEmbedWidth = 0;
+    };
+
+    [[nodiscard]] static std::vector<MarkdownEditorFragment> fragments(const std::vector<MarkdownInline>& inlines,
+                                                                       const Environment& environment);
+    // One node and everything under it. Walks with its own stack: nesting depth is the input's.
+    static void visit(const MarkdownInline& node, const MarkdownTextAttributes& attributes,
+                      const MarkdownFontSpec& font, const Environment& environment,
+                      std::vector<MarkdownEditorFragment>& into);
+    // Coloured `<span style="color: …">` … `</span>` pairs among siblings, at every level.
+    static void applyTextColors(const std::vector<MarkdownInline>& inlines, const Environment& environment,
+                                std::vector<MarkdownEditorFragment>& into);
+
+    // Character attributes an extension gives, in the styler's terms.
+    [[nodiscard]] static MarkdownTextAttributes attributes(const QTextCharFormat& format, const MarkdownFontSpec& font);
+    // A link destination as a URL where it reads as one: a scheme, "www.", or a mail address.
+    [[nodiscard]] static std::optional<QString> webURL(const QString& destination);
+};
+
+}
