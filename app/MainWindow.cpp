@@ -1,8 +1,12 @@
 #include "MainWindow.h"
 
-#include "PlainNoteEditor.h"
+#include "MarkdownEditorView.h"
+#include "MarkdownEngine/Layout/MarkdownEditorCoordinator.h"
 #include "Velmo/AppState.h"
+#include "Velmo/EditorConfigurationBuilder.h"
+#include "Velmo/EditorHostCoordinator.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QFileDialog>
 #include <QLabel>
@@ -22,15 +26,24 @@ MainWindow::MainWindow(app::AppState& state, QWidget* parent)
     auto* splitter = new QSplitter(this);
     m_notes = new QListWidget(splitter);
     m_notes->setUniformItemSizes(true); // a folder of thousands of notes lays out in one step
-    m_editor = new PlainNoteEditor(splitter);
+    m_editor = new MarkdownEditorView(splitter);
     splitter->addWidget(m_notes);
     splitter->addWidget(m_editor);
     splitter->setStretchFactor(1, 1);
     splitter->setSizes({260, 840});
     setCentralWidget(splitter);
     m_statistics = new QLabel(this);
+    m_caretLine = new QLabel(this);
     statusBar()->addPermanentWidget(m_statistics);
+    statusBar()->addPermanentWidget(m_caretLine);
+    m_coordinator = new markdown::MarkdownEditorCoordinator(
+        *m_editor, app::EditorConfigurationBuilder::make(m_state.settings(), isDarkAppearance()), this);
+    m_editor->setCoordinator(m_coordinator);
+    m_host = new app::EditorHostCoordinator(m_state, *m_coordinator, this);
     m_state.editor().textView = m_editor;
+    m_state.editor().coordinator = m_coordinator;
+    m_state.editor().view = m_editor;
+    connect(&m_state.settings(), &editor::EditorSettings::changed, this, &MainWindow::applyEditorConfiguration);
 
     buildMenus();
 
@@ -40,20 +53,11 @@ MainWindow::MainWindow(app::AppState& state, QWidget* parent)
     connect(m_notes, &QListWidget::itemClicked, this, [this](QListWidgetItem* item) {
         m_state.open(item->data(Qt::UserRole).toUrl(), true);
     });
-    connect(m_editor, &QPlainTextEdit::textChanged, this, [this] {
-        if (m_loadingEditor || m_editor->isComposing())
-            return;
-        if (app::OpenDocument* document = m_state.activeDocument()) {
-            document->setCaret(m_editor->selectionStart());
-            document->setText(m_editor->toPlainText());
-        }
-    });
-    connect(m_editor, &QPlainTextEdit::cursorPositionChanged, this, [this] {
-        if (m_loadingEditor || m_editor->isComposing())
-            return;
-        if (app::OpenDocument* document = m_state.activeDocument())
-            document->setCaret(m_editor->selectionStart());
-    });
+    // Queued: an edit under way in the view finishes before the document is compared with it.
+    connect(&m_state, &app::AppState::changed, this, [this] {
+        if (m_host)
+            m_host->synchronizeDocument();
+    }, Qt::QueuedConnection);
     connect(&m_state.workspace(), &editor::Workspace::changed, this, &MainWindow::refreshNotes);
     connect(&m_state, &app::AppState::activeDocumentChanged, this, &MainWindow::showActiveDocument);
     connect(&m_state, &app::AppState::changed, this, &MainWindow::refreshStatus);
@@ -77,13 +81,14 @@ void MainWindow::buildMenus()
     file->addAction(tr("Quit"), QKeySequence::Quit, this, &QWidget::close);
 
     QMenu* edit = menuBar()->addMenu(tr("&Edit"));
-    edit->addAction(tr("Undo"), QKeySequence::Undo, m_editor, &QPlainTextEdit::undo);
-    edit->addAction(tr("Redo"), QKeySequence::Redo, m_editor, &QPlainTextEdit::redo);
+    edit->addAction(tr("Undo"), QKeySequence::Undo, m_editor, &QTextEdit::undo);
+    edit->addAction(tr("Redo"), QKeySequence::Redo, m_editor, &QTextEdit::redo);
     edit->addSeparator();
-    edit->addAction(tr("Cut"), QKeySequence::Cut, m_editor, &QPlainTextEdit::cut);
-    edit->addAction(tr("Copy"), QKeySequence::Copy, m_editor, &QPlainTextEdit::copy);
-    edit->addAction(tr("Paste"), QKeySequence::Paste, m_editor, &QPlainTextEdit::paste);
-    edit->addAction(tr("Select All"), QKeySequence::SelectAll, m_editor, &QPlainTextEdit::selectAll);
+    edit->addAction(tr("Cut"), QKeySequence::Cut, m_editor, &QTextEdit::cut);
+    edit->addAction(tr("Copy"), QKeySequence::Copy, m_editor, &QTextEdit::copy);
+    edit->addAction(tr("Paste"), QKeySequence::Paste, m_editor, &QTextEdit::paste);
+    edit->addAction(tr("Select All"), QKeySequence::SelectAll, m_editor, &QTextEdit::selectAll);
+    buildViewMenu();
 }
 
 void MainWindow::chooseFolder()
@@ -114,26 +119,21 @@ void MainWindow::refreshNotes()
 
 void MainWindow::showActiveDocument()
 {
-    m_loadingEditor = true;
-    if (app::OpenDocument* document = m_state.activeDocument()) {
-        m_editor->setEnabled(true);
-        m_editor->setDocument(document->id(), document->text(), document->caret());
+    app::OpenDocument* document = m_state.activeDocument();
+    if (document == m_host->document() && document)
+        return;
+    m_editor->setDocumentId(document ? document->id() : QString());
+    m_host->setDocument(document);
+    m_editor->setEnabled(document != nullptr);
+    if (document)
         m_editor->setFocus();
-    } else {
-        m_editor->setDocument({}, {}, 0);
-        m_editor->setEnabled(false);
-    }
-    m_loadingEditor = false;
 }
 
 void MainWindow::refreshStatus()
 {
     setWindowTitle(m_state.windowTitle());
     statusBar()->showMessage(m_state.statusMessage().value_or(QString()));
-    if (const app::OpenDocument* document = m_state.activeDocument())
-        m_statistics->setText(tr("Line %1").arg(document->caretState().line()));
-    else
-        m_statistics->clear();
+    refreshEditorStatus();
 }
 
 void MainWindow::showAlert()

@@ -1,17 +1,23 @@
 #pragma once
 
 #include <QMainWindow>
+#include <memory>
 
 class QLabel;
 class QListWidget;
 
 namespace velmo::app {
 class AppState;
+class EditorHostCoordinator;
+}
+
+namespace velmo::markdown {
+class MarkdownEditorCoordinator;
 }
 
 namespace velmo::ui {
 
-class PlainNoteEditor;
+class MarkdownEditorView;
 
 // The window around the application state: the notes of the folder, the open note, a status bar.
 class MainWindow : public QMainWindow {
@@ -20,8 +26,11 @@ class MainWindow : public QMainWindow {
 public:
     explicit MainWindow(app::AppState& state, QWidget* parent = nullptr);
 
+    ~MainWindow() override;
+
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
     void buildMenus();
@@ -30,12 +39,19 @@ private:
     void refreshStatus();
     void showAlert();
     void chooseFolder();
+    // The live editor: its menu, status line and configuration.
+    void buildViewMenu();
+    void refreshEditorStatus();
+    void applyEditorConfiguration();
+    bool isDarkAppearance() const;
 
     app::AppState& m_state;
     QListWidget* m_notes = nullptr;
-    PlainNoteEditor* m_editor = nullptr;
+    MarkdownEditorView* m_editor = nullptr;
     QLabel* m_statistics = nullptr;
-    bool m_loadingEditor = false;
+    QLabel* m_caretLine = nullptr;
+    markdown::MarkdownEditorCoordinator* m_coordinator = nullptr;
+    app::EditorHostCoordinator* m_host = nullptr;
 };
 
 }
