@@ -52,7 +52,7 @@ void MarkdownDecorationPainter::paint(QPainter* painter, const QRectF& clip, boo
     const MarkdownSourceRange visible = m_layout.visibleRange(clip);
     // Reach a little before the visible text, so a box that starts above the clip is drawn.
     const std::vector<const MarkdownEditorFragment*> fragments =
-        m_store.decorations({visible.location, std::max(1, visible.length + 1)});
+        m_store->decorations({visible.location, std::max(1, visible.length + 1)});
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing, true);
     if (foreground)
@@ -133,7 +133,7 @@ void MarkdownDecorationPainter::paintTable(QPainter* painter, const MarkdownEdit
         painter->drawLine(QPointF(span.left(), y), QPointF(span.right(), y));
     }
     if (style.showsColumnRules) {
-        for (const MarkdownEditorFragment* pipe : m_store.fragments(table.range)) {
+        for (const MarkdownEditorFragment* pipe : m_store->fragments(table.range)) {
             if (pipe->role != Role::table || pipe->range.length != 1 || pipe->priority != 9)
                 continue;
             for (const QRectF& r : m_layout.lineRects(pipe->range)) {

@@ -21,8 +21,9 @@ class MarkdownDecorationPainter {
 public:
     explicit MarkdownDecorationPainter(const MarkdownLayoutManager& layout);
 
-    void setStore(const MarkdownEditorFragmentStore& store) { m_store = store; }
-    const MarkdownEditorFragmentStore& store() const { return m_store; }
+    // Not copied: the store belongs to the coordinator and lives until the next one is set.
+    void setStore(const MarkdownEditorFragmentStore& store) { m_store = &store; }
+    const MarkdownEditorFragmentStore& store() const { return *m_store; }
     void setConfiguration(const MarkdownEditorConfiguration& config) { m_config = config; }
     void setHighlights(std::vector<MarkdownSourceRange> ranges, QColor color)
     {
@@ -47,7 +48,8 @@ private:
     void paintTable(QPainter* painter, const MarkdownEditorFragment& table);
 
     const MarkdownLayoutManager& m_layout;
-    MarkdownEditorFragmentStore m_store;
+    const MarkdownEditorFragmentStore* m_store = &m_empty;
+    MarkdownEditorFragmentStore m_empty;
     MarkdownEditorConfiguration m_config;
     std::vector<MarkdownSourceRange> m_highlights;
     QColor m_highlightColor;

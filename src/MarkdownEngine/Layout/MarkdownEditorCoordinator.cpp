@@ -182,10 +182,10 @@ void MarkdownEditorCoordinator::restyleNow()
         document = MarkdownDocument::parse(t, parseOptions);
     editorState = makeEditorState();
     lastHighlightedCode = highlightedCode();
-    const MarkdownASTStyler::Result result = MarkdownASTStyler::style(request());
+    MarkdownASTStyler::Result result = MarkdownASTStyler::style(request());
     ++fullStylePassCount;
     apply(result, result.activeLines, !isRestyled);
-    installStore(result.fragments);
+    installStore(std::move(result.fragments));
     lastText = t;
     lastActiveLines = result.activeLines;
     lastFormulaUnderCaret = MarkdownASTStyler::formulaUnderSelection(editorState, fragments);
@@ -197,9 +197,9 @@ void MarkdownEditorCoordinator::restyleNow()
     traceStorage("\n[trace] storage ");
 }
 
-void MarkdownEditorCoordinator::installStore(const MarkdownEditorFragmentStore& store)
+void MarkdownEditorCoordinator::installStore(MarkdownEditorFragmentStore store)
 {
-    fragments = store;
+    fragments = std::move(store);
     selectionSensitiveRanges.clear();
     for (const MarkdownEditorFragment& f : fragments.fragments()) {
         if (isSelectionSensitive(f))
@@ -343,7 +343,7 @@ void MarkdownEditorCoordinator::restyleSelectionNow()
         return;
     }
     kept.insert(kept.end(), selected.fragments.begin(), selected.fragments.end());
-    const MarkdownEditorFragmentStore merged(std::move(kept));
+    MarkdownEditorFragmentStore merged(std::move(kept));
 
     MarkdownTextStorage& storage = textView.textStorage();
     const auto selection = textView.selectedRanges();
@@ -355,10 +355,10 @@ void MarkdownEditorCoordinator::restyleSelectionNow()
     });
     if (touchesTable) {
         // Column kerning needs the whole table's rows: style the note and copy the tables' lines.
-        const MarkdownASTStyler::Result result = MarkdownASTStyler::style(req);
+        MarkdownASTStyler::Result result = MarkdownASTStyler::style(req);
         for (const MarkdownSourceRange& r : selected.ranges)
             storage.copyAttributes(result.attributedString, alignedToTables(wholeLines(t, r)));
-        installStore(result.fragments);
+        installStore(std::move(result.fragments));
     } else {
         const MarkdownTextAttributes base = baseAttributes();
         for (const MarkdownSourceRange& r : selected.ranges) {
@@ -374,7 +374,7 @@ void MarkdownEditorCoordinator::restyleSelectionNow()
             MarkdownEditorFragmentStore(std::move(shifted)).apply(local, base);
             storage.copyAttributes(local, lines, lines.location);
         }
-        installStore(merged);
+        installStore(std::move(merged));
     }
     if (textView.selectedRanges() != selection && !selection.empty())
         textView.setSelectedRange(selection.front());

@@ -143,7 +143,7 @@ private:
     QHash<QString, MarkdownStyledText> highlightedCode();
     void apply(const MarkdownASTStyler::Result& result, const std::vector<MarkdownSourceRange>& activeLines,
                bool forceAllAttributes);
-    void installStore(const MarkdownEditorFragmentStore& store);
+    void installStore(MarkdownEditorFragmentStore store);
     void refreshInlineSelection();
     void tellStatistics();
     void traceStorage(const char* label) const;

@@ -124,7 +124,8 @@ QTextCharFormat MarkdownTextStorage::charFormat(const MarkdownTextAttributes& a)
         format.setBaselineOffset(100.0 * a.baselineOffset / a.font.pointSize);
     if (a.has(MarkdownTextAttributes::Kern) && a.kern != 0) {
         format.setFontLetterSpacingType(QFont::AbsoluteSpacing);
-        format.setFontLetterSpacing(a.kern);
+        // The styler measures with Qt points; the surface draws a design point as a pixel.
+        format.setFontLetterSpacing(a.kern * pointScale());
     }
     if (a.has(MarkdownTextAttributes::Link)) {
         format.setAnchor(true);

@@ -33,7 +33,8 @@ public:
     [[nodiscard]] virtual QPointF visibleOrigin() const = 0;
     virtual void setVisibleOrigin(QPointF origin) = 0;
 
-    // A new fragment store for decorations and hit targets; raises the view's revision.
+    // A new fragment store for decorations and hit targets; raises the view's revision. The
+    // store stays the caller's and is valid until the next call.
     virtual void installFragments(const MarkdownEditorFragmentStore& store) = 0;
     [[nodiscard]] virtual int fragmentRevision() const = 0;
     // Drawn over the text without entering the storage (find matches).
