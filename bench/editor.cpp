@@ -83,9 +83,19 @@ void BM_CaretMoveBetweenLines1MB(benchmark::State& state)
 {
     const QString text = noteOfSize(1 << 20);
     Editor e(text);
-    const int middle = int(text.size() / 2);
-    const int lineA = int(text.lastIndexOf(u'\n', middle)) + 1;
-    const int lineB = int(text.indexOf(u'\n', middle)) + 1;
+    // Two prose lines past the middle: a line of a table costs a styling of the whole note,
+    // since its columns are kerned from all its rows (BM_CaretMoveInTable1MB).
+    const auto proseLine = [&](int from) {
+        for (int start = int(text.indexOf(u'\n', from)) + 1; start > 0 && start < text.size();
+             start = int(text.indexOf(u'\n', start)) + 1) {
+            const QChar c = text.at(start);
+            if (c.isLetter())
+                return start;
+        }
+        return 0;
+    };
+    const int lineA = proseLine(int(text.size() / 2));
+    const int lineB = proseLine(lineA);
     bool toA = true;
     for (auto _ : state) {
         e.view.setSelection({toA ? lineA : lineB, 0});
@@ -95,6 +105,21 @@ void BM_CaretMoveBetweenLines1MB(benchmark::State& state)
     state.counters["selectionPasses"] = e.coordinator.selectionStylePassCount;
 }
 BENCHMARK(BM_CaretMoveBetweenLines1MB)->Unit(benchmark::kMicrosecond);
+
+void BM_CaretMoveInTable1MB(benchmark::State& state)
+{
+    const QString text = noteOfSize(1 << 20);
+    Editor e(text);
+    const int row = int(text.indexOf(QStringLiteral("\n| "), text.size() / 2)) + 1;
+    const int next = int(text.indexOf(u'\n', row)) + 1;
+    bool toA = true;
+    for (auto _ : state) {
+        e.view.setSelection({toA ? row : next, 0});
+        e.coordinator.restyleNow();
+        toA = !toA;
+    }
+}
+BENCHMARK(BM_CaretMoveInTable1MB)->Unit(benchmark::kMillisecond);
 
 void BM_Open1MB(benchmark::State& state)
 {
