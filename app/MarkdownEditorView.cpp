@@ -120,6 +120,14 @@ void MarkdownEditorView::installFragments(const markdown::MarkdownEditorFragment
     viewport()->update();
 }
 
+void MarkdownEditorView::installSelectionOverlay(const markdown::MarkdownEditorFragmentStore& overlay,
+                                                 const std::vector<MarkdownSourceRange>& ranges)
+{
+    m_painter.setOverlay(overlay, ranges);
+    ++m_fragmentRevision;
+    viewport()->update();
+}
+
 void MarkdownEditorView::setTemporaryHighlights(std::vector<MarkdownSourceRange> ranges, QColor color)
 {
     if (ranges.empty() && m_painter.highlights().empty())
@@ -217,7 +225,7 @@ bool MarkdownEditorView::activate(const QPoint& point, bool force)
         }
     }
     const int position = m_layout->hitTest(at, Qt::FuzzyHit);
-    const markdown::MarkdownEditorFragment* hit = m_coordinator->fragments.hitTarget(position);
+    const markdown::MarkdownEditorFragment* hit = m_coordinator->hitTarget(position);
     if (!hit)
         return false;
     // On the caret's line the source shows and a click places the caret, unless Ctrl is held.

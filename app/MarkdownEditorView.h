@@ -46,6 +46,8 @@ public:
     void setVisibleOrigin(QPointF origin) override;
     void installFragments(const markdown::MarkdownEditorFragmentStore& store) override;
     int fragmentRevision() const override { return m_fragmentRevision; }
+    void installSelectionOverlay(const markdown::MarkdownEditorFragmentStore& overlay,
+                                 const std::vector<markdown::MarkdownSourceRange>& ranges) override;
     void setTemporaryHighlights(std::vector<markdown::MarkdownSourceRange> ranges, QColor color) override;
     void applyConfiguration(const markdown::MarkdownEditorConfiguration& config) override;
     void scrollRangeToVisible(markdown::MarkdownSourceRange range) override;

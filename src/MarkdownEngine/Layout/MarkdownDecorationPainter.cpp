@@ -51,8 +51,16 @@ void MarkdownDecorationPainter::paint(QPainter* painter, const QRectF& clip, boo
 {
     const MarkdownSourceRange visible = m_layout.visibleRange(clip);
     // Reach a little before the visible text, so a box that starts above the clip is drawn.
-    const std::vector<const MarkdownEditorFragment*> fragments =
-        m_store->decorations({visible.location, std::max(1, visible.length + 1)});
+    const MarkdownSourceRange reach{visible.location, std::max(1, visible.length + 1)};
+    std::vector<const MarkdownEditorFragment*> fragments;
+    for (const MarkdownEditorFragment* f : m_store->decorations(reach)) {
+        const bool replaced = std::any_of(m_overlayRanges->begin(), m_overlayRanges->end(),
+                                          [&](MarkdownSourceRange r) { return f->intersects(r); });
+        if (!replaced)
+            fragments.push_back(f);
+    }
+    for (const MarkdownEditorFragment* f : m_overlay->decorations(reach))
+        fragments.push_back(f);
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing, true);
     if (foreground)

@@ -24,6 +24,11 @@ public:
     // Not copied: the store belongs to the coordinator and lives until the next one is set.
     void setStore(const MarkdownEditorFragmentStore& store) { m_store = &store; }
     const MarkdownEditorFragmentStore& store() const { return *m_store; }
+    void setOverlay(const MarkdownEditorFragmentStore& overlay, const std::vector<MarkdownSourceRange>& ranges)
+    {
+        m_overlay = &overlay;
+        m_overlayRanges = &ranges;
+    }
     void setConfiguration(const MarkdownEditorConfiguration& config) { m_config = config; }
     void setHighlights(std::vector<MarkdownSourceRange> ranges, QColor color)
     {
@@ -50,6 +55,9 @@ private:
     const MarkdownLayoutManager& m_layout;
     const MarkdownEditorFragmentStore* m_store = &m_empty;
     MarkdownEditorFragmentStore m_empty;
+    const MarkdownEditorFragmentStore* m_overlay = &m_empty;
+    const std::vector<MarkdownSourceRange>* m_overlayRanges = &m_noRanges;
+    std::vector<MarkdownSourceRange> m_noRanges;
     MarkdownEditorConfiguration m_config;
     std::vector<MarkdownSourceRange> m_highlights;
     QColor m_highlightColor;

@@ -17,6 +17,9 @@ namespace {
 
 using Role = MarkdownEditorFragmentRole;
 
+// Past this many fragments restyled by caret moves, the next move styles the whole note again.
+constexpr std::size_t maximumOverlayFragments = 20000;
+
 bool isSelectionSensitive(const MarkdownEditorFragment& f)
 {
     if (f.isHidden)
@@ -200,6 +203,9 @@ void MarkdownEditorCoordinator::restyleNow()
 void MarkdownEditorCoordinator::installStore(MarkdownEditorFragmentStore store)
 {
     fragments = std::move(store);
+    selectionOverlay = {};
+    overlayRanges.clear();
+    textView.installSelectionOverlay(selectionOverlay, overlayRanges);
     selectionSensitiveRanges.clear();
     for (const MarkdownEditorFragment& f : fragments.fragments()) {
         if (isSelectionSensitive(f))
@@ -332,18 +338,30 @@ void MarkdownEditorCoordinator::restyleSelectionNow()
         return std::any_of(selected.ranges.begin(), selected.ranges.end(),
                            [&](MarkdownSourceRange r) { return f.intersects(r); });
     };
-    const MarkdownEditorFragmentStore fresh(selected.fragments);
-    std::vector<MarkdownEditorFragment> current;
-    std::vector<MarkdownEditorFragment> kept;
-    for (const MarkdownEditorFragment& f : fragments.fragments())
-        (intersectsAny(f) ? current : kept).push_back(f);
-    if (current == fresh.fragments()) {
-        lastActiveLines = activeLines;
-        lastFormulaUnderCaret = formula;
-        return;
+    // The overlay keeps its fragments outside the new ranges and takes the new ones; rebuilding
+    // the whole store would cost a sort of every fragment of the note.
+    std::vector<MarkdownEditorFragment> overlay;
+    for (const MarkdownEditorFragment& f : selectionOverlay.fragments()) {
+        if (!intersectsAny(f))
+            overlay.push_back(f);
     }
-    kept.insert(kept.end(), selected.fragments.begin(), selected.fragments.end());
-    MarkdownEditorFragmentStore merged(std::move(kept));
+    overlay.insert(overlay.end(), selected.fragments.begin(), selected.fragments.end());
+    std::vector<MarkdownSourceRange> ranges = overlayRanges;
+    ranges.insert(ranges.end(), selected.ranges.begin(), selected.ranges.end());
+    std::sort(ranges.begin(), ranges.end(), [](auto a, auto b) { return a.location < b.location; });
+    std::vector<MarkdownSourceRange> merged;
+    for (const MarkdownSourceRange& r : ranges) {
+        if (!merged.empty() && r.location <= merged.back().upperBound())
+            merged.back() = merged.back().united(r);
+        else
+            merged.push_back(r);
+    }
+    selectionOverlay = MarkdownEditorFragmentStore(std::move(overlay));
+    overlayRanges = std::move(merged);
+    for (const MarkdownEditorFragment& f : selected.fragments) {
+        if (isSelectionSensitive(f))
+            selectionSensitiveRanges.push_back(f.range);
+    }
 
     MarkdownTextStorage& storage = textView.textStorage();
     const auto selection = textView.selectedRanges();
@@ -353,7 +371,7 @@ void MarkdownEditorCoordinator::restyleSelectionNow()
         return b.is<block_kind::Table>() && std::any_of(selected.ranges.begin(), selected.ranges.end(),
                                                          [&](MarkdownSourceRange r) { return b.range.intersects(r); });
     });
-    if (touchesTable) {
+    if (touchesTable || selectionOverlay.fragments().size() > maximumOverlayFragments) {
         // Column kerning needs the whole table's rows: style the note and copy the tables' lines.
         MarkdownASTStyler::Result result = MarkdownASTStyler::style(req);
         for (const MarkdownSourceRange& r : selected.ranges)
@@ -362,10 +380,12 @@ void MarkdownEditorCoordinator::restyleSelectionNow()
     } else {
         const MarkdownTextAttributes base = baseAttributes();
         for (const MarkdownSourceRange& r : selected.ranges) {
-            const MarkdownSourceRange lines = wholeLines(t, r).intersection({0, int(t.size())});
+            // The range's own lines: a range ending at a line's start leaves that line alone.
+            const MarkdownSourceRange lines =
+                wholeLines(t, {r.location, std::max(0, r.length - 1)}).intersection({0, int(t.size())});
             MarkdownStyledText local(t.mid(lines.location, lines.length), base);
             std::vector<MarkdownEditorFragment> shifted;
-            for (const MarkdownEditorFragment* f : merged.fragments(lines)) {
+            for (const MarkdownEditorFragment* f : selectionOverlay.fragments(lines)) {
                 MarkdownEditorFragment moved = *f;
                 moved.range = f->range.intersection(lines);
                 moved.range.location -= lines.location;
@@ -374,7 +394,7 @@ void MarkdownEditorCoordinator::restyleSelectionNow()
             MarkdownEditorFragmentStore(std::move(shifted)).apply(local, base);
             storage.copyAttributes(local, lines, lines.location);
         }
-        installStore(std::move(merged));
+        textView.installSelectionOverlay(selectionOverlay, overlayRanges);
     }
     if (textView.selectedRanges() != selection && !selection.empty())
         textView.setSelectedRange(selection.front());
@@ -595,6 +615,15 @@ void MarkdownEditorCoordinator::tellStatistics()
     statistics = measured;
     if (delegate)
         delegate->coordinatorDidChangeStatistics(*this, statistics);
+}
+
+const MarkdownEditorFragment* MarkdownEditorCoordinator::hitTarget(int position) const
+{
+    for (const MarkdownSourceRange& r : overlayRanges) {
+        if (r.contains(position))
+            return selectionOverlay.hitTarget(position);
+    }
+    return fragments.hitTarget(position);
 }
 
 void MarkdownEditorCoordinator::textViewDidToggleCheckbox(MarkdownSourceRange box)

@@ -95,6 +95,13 @@ public:
     QString documentId;
     std::optional<InlineSelectionState> inlineSelection;
 
+    // Caret moves restyle a few blocks without rebuilding the whole store: their fragments
+    // stand over `overlayRanges` until the next full pass folds them in.
+    MarkdownEditorFragmentStore selectionOverlay;
+    std::vector<MarkdownSourceRange> overlayRanges;
+    // The hit target at a position, the overlay's first where it covers the position.
+    [[nodiscard]] const MarkdownEditorFragment* hitTarget(int position) const;
+
     // The range the last full pass wrote into the storage: what tests and traces read.
     MarkdownSourceRange lastAppliedRange;
 

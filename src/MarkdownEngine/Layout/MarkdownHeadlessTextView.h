@@ -44,6 +44,11 @@ public:
     void setVisibleOrigin(QPointF) override {}
     void installFragments(const MarkdownEditorFragmentStore& store) override;
     int fragmentRevision() const override { return m_fragmentRevision; }
+    void installSelectionOverlay(const MarkdownEditorFragmentStore& overlay,
+                                 const std::vector<MarkdownSourceRange>& ranges) override
+    {
+        m_painter.setOverlay(overlay, ranges);
+    }
     void setTemporaryHighlights(std::vector<MarkdownSourceRange> ranges, QColor color) override;
     void applyConfiguration(const MarkdownEditorConfiguration& config) override;
     void scrollRangeToVisible(MarkdownSourceRange) override {}

@@ -37,6 +37,10 @@ public:
     // store stays the caller's and is valid until the next call.
     virtual void installFragments(const MarkdownEditorFragmentStore& store) = 0;
     [[nodiscard]] virtual int fragmentRevision() const = 0;
+    // Fragments restyled for caret moves since the last full pass; over `ranges` they stand in
+    // for the store's. Both stay the caller's until the next call.
+    virtual void installSelectionOverlay(const MarkdownEditorFragmentStore& overlay,
+                                         const std::vector<MarkdownSourceRange>& ranges) = 0;
     // Drawn over the text without entering the storage (find matches).
     virtual void setTemporaryHighlights(std::vector<MarkdownSourceRange> ranges, QColor color) = 0;
     virtual void applyConfiguration(const MarkdownEditorConfiguration& config) = 0;
