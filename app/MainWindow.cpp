@@ -1,10 +1,14 @@
 #include "MainWindow.h"
 
 #include "ConflictDialog.h"
-#include "PlainNoteEditor.h"
+#include "MarkdownEditorView.h"
+#include "MarkdownEngine/Layout/MarkdownEditorCoordinator.h"
 #include "Sidebar.h"
 #include "Velmo/AppState.h"
+#include "Velmo/EditorConfigurationBuilder.h"
+#include "Velmo/EditorHostCoordinator.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QFileDialog>
 #include <QLabel>
@@ -23,15 +27,24 @@ MainWindow::MainWindow(app::AppState& state, QWidget* parent)
     resize(1100, 720);
     auto* splitter = new QSplitter(this);
     m_sidebar = new Sidebar(state, splitter);
-    m_editor = new PlainNoteEditor(splitter);
+    m_editor = new MarkdownEditorView(splitter);
     splitter->addWidget(m_sidebar);
     splitter->addWidget(m_editor);
     splitter->setStretchFactor(1, 1);
     splitter->setSizes({260, 840});
     setCentralWidget(splitter);
     m_statistics = new QLabel(this);
+    m_caretLine = new QLabel(this);
     statusBar()->addPermanentWidget(m_statistics);
+    statusBar()->addPermanentWidget(m_caretLine);
+    m_coordinator = new markdown::MarkdownEditorCoordinator(
+        *m_editor, app::EditorConfigurationBuilder::make(m_state.settings(), isDarkAppearance()), this);
+    m_editor->setCoordinator(m_coordinator);
+    m_host = new app::EditorHostCoordinator(m_state, *m_coordinator, this);
     m_state.editor().textView = m_editor;
+    m_state.editor().coordinator = m_coordinator;
+    m_state.editor().view = m_editor;
+    connect(&m_state.settings(), &editor::EditorSettings::changed, this, &MainWindow::applyEditorConfiguration);
 
     buildMenus();
     // The state outlives the window: a picker asked for after it is gone answers nothing.
@@ -42,25 +55,15 @@ MainWindow::MainWindow(app::AppState& state, QWidget* parent)
         return folder.isEmpty() ? std::nullopt : std::optional(QUrl::fromLocalFile(folder));
     });
 
-    connect(m_editor, &QPlainTextEdit::textChanged, this, [this] {
-        if (m_loadingEditor || m_editor->isComposing())
-            return;
-        if (app::OpenDocument* document = m_state.activeDocument()) {
-            document->setCaret(m_editor->selectionStart());
-            document->setText(m_editor->toPlainText());
-        }
-    });
-    connect(m_editor, &QPlainTextEdit::cursorPositionChanged, this, [this] {
-        if (m_loadingEditor || m_editor->isComposing())
-            return;
-        if (app::OpenDocument* document = m_state.activeDocument())
-            document->setCaret(m_editor->selectionStart());
-    });
+    // Queued: an edit under way in the view finishes before the document is compared with it.
+    connect(&m_state, &app::AppState::changed, this, [this] {
+        if (m_host)
+            m_host->synchronizeDocument();
+    }, Qt::QueuedConnection);
     connect(&m_state, &app::AppState::activeDocumentChanged, this, &MainWindow::showActiveDocument);
     connect(&m_state, &app::AppState::changed, this, &MainWindow::refreshStatus);
     connect(&m_state, &app::AppState::alertChanged, this, &MainWindow::showAlert);
     connect(&m_state, &app::AppState::syncConflictChanged, this, &MainWindow::showConflict);
-    connect(&m_state, &app::AppState::changed, this, &MainWindow::synchronizeEditor);
 
     showActiveDocument();
     refreshStatus();
@@ -96,13 +99,14 @@ void MainWindow::buildMenus()
     file->addAction(tr("Quit"), QKeySequence::Quit, this, &QWidget::close);
 
     QMenu* edit = menuBar()->addMenu(tr("&Edit"));
-    edit->addAction(tr("Undo"), QKeySequence::Undo, m_editor, &QPlainTextEdit::undo);
-    edit->addAction(tr("Redo"), QKeySequence::Redo, m_editor, &QPlainTextEdit::redo);
+    edit->addAction(tr("Undo"), QKeySequence::Undo, m_editor, &QTextEdit::undo);
+    edit->addAction(tr("Redo"), QKeySequence::Redo, m_editor, &QTextEdit::redo);
     edit->addSeparator();
-    edit->addAction(tr("Cut"), QKeySequence::Cut, m_editor, &QPlainTextEdit::cut);
-    edit->addAction(tr("Copy"), QKeySequence::Copy, m_editor, &QPlainTextEdit::copy);
-    edit->addAction(tr("Paste"), QKeySequence::Paste, m_editor, &QPlainTextEdit::paste);
-    edit->addAction(tr("Select All"), QKeySequence::SelectAll, m_editor, &QPlainTextEdit::selectAll);
+    edit->addAction(tr("Cut"), QKeySequence::Cut, m_editor, &QTextEdit::cut);
+    edit->addAction(tr("Copy"), QKeySequence::Copy, m_editor, &QTextEdit::copy);
+    edit->addAction(tr("Paste"), QKeySequence::Paste, m_editor, &QTextEdit::paste);
+    edit->addAction(tr("Select All"), QKeySequence::SelectAll, m_editor, &QTextEdit::selectAll);
+    buildViewMenu();
 }
 
 void MainWindow::chooseFolder()
@@ -127,26 +131,21 @@ void MainWindow::saveActiveAs()
 
 void MainWindow::showActiveDocument()
 {
-    m_loadingEditor = true;
-    if (app::OpenDocument* document = m_state.activeDocument()) {
-        m_editor->setEnabled(true);
-        m_editor->setDocument(document->id(), document->text(), document->caret());
+    app::OpenDocument* document = m_state.activeDocument();
+    if (document == m_host->document() && document)
+        return;
+    m_editor->setDocumentId(document ? document->id() : QString());
+    m_host->setDocument(document);
+    m_editor->setEnabled(document != nullptr);
+    if (document)
         m_editor->setFocus();
-    } else {
-        m_editor->setDocument({}, {}, 0);
-        m_editor->setEnabled(false);
-    }
-    m_loadingEditor = false;
 }
 
 void MainWindow::refreshStatus()
 {
     setWindowTitle(m_state.windowTitle());
     statusBar()->showMessage(m_state.statusMessage().value_or(QString()));
-    if (const app::OpenDocument* document = m_state.activeDocument())
-        m_statistics->setText(tr("Line %1").arg(document->caretState().line()));
-    else
-        m_statistics->clear();
+    refreshEditorStatus();
 }
 
 void MainWindow::showAlert()
@@ -174,17 +173,6 @@ void MainWindow::showConflict()
                 m_state.resolve(shown, resolution);
             });
     m_conflictDialog->open();
-}
-
-void MainWindow::synchronizeEditor()
-{
-    app::OpenDocument* document = m_state.activeDocument();
-    if (m_loadingEditor || !document || m_editor->documentId() != document->id() || m_editor->isComposing()
-        || m_editor->toPlainText() == document->text())
-        return;
-    m_loadingEditor = true;
-    m_editor->replaceText(0, int(m_editor->toPlainText().size()), document->text(), int(document->caret()));
-    m_loadingEditor = false;
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)

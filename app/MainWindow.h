@@ -7,12 +7,17 @@ class QLabel;
 
 namespace velmo::app {
 class AppState;
+class EditorHostCoordinator;
+}
+
+namespace velmo::markdown {
+class MarkdownEditorCoordinator;
 }
 
 namespace velmo::ui {
 
 class ConflictDialog;
-class PlainNoteEditor;
+class MarkdownEditorView;
 class Sidebar;
 
 // The window around the application state: the notes of the folder, the open note, a status bar.
@@ -22,8 +27,11 @@ class MainWindow : public QMainWindow {
 public:
     explicit MainWindow(app::AppState& state, QWidget* parent = nullptr);
 
+    ~MainWindow() override;
+
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
     void buildMenus();
@@ -31,16 +39,21 @@ private:
     void refreshStatus();
     void showAlert();
     void chooseFolder();
-    void showConflict();
-    // Text changed by the logic (a reload from disk, a resolved conflict) reaches the view.
-    void synchronizeEditor();
     void saveActiveAs();
+    void showConflict();
+    // The live editor: its menu, status line and configuration.
+    void buildViewMenu();
+    void refreshEditorStatus();
+    void applyEditorConfiguration();
+    bool isDarkAppearance() const;
 
     app::AppState& m_state;
     Sidebar* m_sidebar = nullptr;
-    PlainNoteEditor* m_editor = nullptr;
+    MarkdownEditorView* m_editor = nullptr;
     QLabel* m_statistics = nullptr;
-    bool m_loadingEditor = false;
+    QLabel* m_caretLine = nullptr;
+    markdown::MarkdownEditorCoordinator* m_coordinator = nullptr;
+    app::EditorHostCoordinator* m_host = nullptr;
     QPointer<ConflictDialog> m_conflictDialog;
 };
 

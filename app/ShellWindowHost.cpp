@@ -1,5 +1,7 @@
 #include "ShellWindowHost.h"
 
+#include "MarkdownEditorView.h"
+#include "MarkdownEngine/Layout/MarkdownTextStorage.h"
 #include "Velmo/AppState.h"
 
 #include <QAbstractTextDocumentLayout>
@@ -10,7 +12,6 @@
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
-#include <QPlainTextEdit>
 #include <QScreen>
 #include <QTextBlock>
 #include <QTextBoundaryFinder>
@@ -102,9 +103,9 @@ ShellWindowHost::ShellWindowHost(app::AppState& state)
 {
 }
 
-QPlainTextEdit* ShellWindowHost::textView() const
+MarkdownEditorView* ShellWindowHost::textView() const
 {
-    return qobject_cast<QPlainTextEdit*>(m_state.editor().textView.data());
+    return qobject_cast<MarkdownEditorView*>(m_state.editor().textView.data());
 }
 
 app::UIWindowHost::Capture ShellWindowHost::capture(const QString& path)
@@ -196,7 +197,7 @@ QString ShellWindowHost::validateMenus()
 
 bool ShellWindowHost::typeText(const QString& text)
 {
-    QPlainTextEdit* view = textView();
+    MarkdownEditorView* view = textView();
     if (!view)
         return false;
     // One key event per character, as a keyboard sends them.
@@ -217,7 +218,7 @@ bool ShellWindowHost::typeText(const QString& text)
 
 bool ShellWindowHost::setMarkedText(const QString& text)
 {
-    QPlainTextEdit* view = textView();
+    MarkdownEditorView* view = textView();
     if (!view)
         return false;
     const int location = m_marked ? m_marked->location : view->textCursor().selectionStart();
@@ -230,7 +231,7 @@ bool ShellWindowHost::setMarkedText(const QString& text)
 
 bool ShellWindowHost::commitMarkedText(const QString& text)
 {
-    QPlainTextEdit* view = textView();
+    MarkdownEditorView* view = textView();
     if (!view)
         return false;
     QInputMethodEvent event;
@@ -249,7 +250,7 @@ bool ShellWindowHost::unmarkText()
 
 bool ShellWindowHost::select(int location, int length)
 {
-    QPlainTextEdit* view = textView();
+    MarkdownEditorView* view = textView();
     if (!view)
         return false;
     const int size = int(view->toPlainText().size());
@@ -267,7 +268,7 @@ std::optional<app::UIWindowHost::Range> ShellWindowHost::markedRange() const
 
 bool ShellWindowHost::paste()
 {
-    QPlainTextEdit* view = textView();
+    MarkdownEditorView* view = textView();
     if (!view)
         return false;
     view->paste();
@@ -276,42 +277,43 @@ bool ShellWindowHost::paste()
 
 std::optional<app::UIWindowHost::EditorGeometry> ShellWindowHost::editorGeometry() const
 {
-    const QPlainTextEdit* view = textView();
+    MarkdownEditorView* view = textView();
     if (!view)
         return std::nullopt;
+    markdown::MarkdownLayoutManager& layout = view->layoutManager();
     EditorGeometry geometry;
     geometry.attached = view->window() != view && view->isVisible();
     geometry.window = view->window()->windowTitle();
     geometry.frame = view->size();
-    // A plain text layout measures its document in lines; the frame wants points.
-    double height = 0;
-    for (QTextBlock block = view->document()->begin(); block.isValid(); block = block.next())
-        height += view->document()->documentLayout()->blockBoundingRect(block).height();
-    geometry.documentFrame = QRectF(QPointF(), QSizeF(view->viewport()->width(), height));
-    const double margin = view->document()->documentMargin();
-    geometry.inset = QSizeF(margin, margin);
-    geometry.containerWidth = view->viewport()->width();
-    geometry.caretRect = view->cursorRect();
-    geometry.viewport = view->viewport()->rect();
+    geometry.documentFrame = QRectF(QPointF(), layout.documentSize());
+    geometry.inset = QSizeF(layout.columnLeft(), layout.geometry().verticalInset);
+    geometry.containerWidth = layout.columnWidth();
+    geometry.caretRect = layout.caretRect(view->selectionStart());
+    geometry.viewport = QRectF(view->visibleOrigin(), QSizeF(view->viewport()->size()));
     return geometry;
 }
 
 std::vector<app::UIWindowHost::LayoutLine> ShellWindowHost::layoutLines() const
 {
     std::vector<LayoutLine> lines;
-    const QPlainTextEdit* view = textView();
+    MarkdownEditorView* view = textView();
     if (!view)
         return lines;
     const QTextDocument* document = view->document();
-    QAbstractTextDocumentLayout* layout = document->documentLayout();
+    markdown::MarkdownLayoutManager& layout = view->layoutManager();
     double previousBottom = 0;
-    double blockTop = 0; // a plain text layout gives each block's size, not its place
     for (QTextBlock block = document->begin(); block.isValid(); block = block.next()) {
-        const QRectF bounds = layout->blockBoundingRect(block).translated(0, blockTop);
-        blockTop = bounds.bottom();
+        const QRectF bounds = layout.blockBoundingRect(block);
         const QTextLayout* textLayout = block.layout();
-        const QFont font = block.charFormat().font();
-        for (int i = 0; textLayout && i < textLayout->lineCount(); ++i) {
+        const auto* style = view->textStorage().blockStyle(block);
+        QFont font = document->defaultFont();
+        for (const QTextLayout::FormatRange& range : textLayout->formats()) {
+            if (range.format.hasProperty(QTextFormat::FontPointSize) && range.format.foreground().color().alpha() != 0) {
+                font = range.format.font();
+                break;
+            }
+        }
+        for (int i = 0; i < textLayout->lineCount(); ++i) {
             const QTextLine line = textLayout->lineAt(i);
             LayoutLine entry;
             entry.y = bounds.top() + line.y();
@@ -319,8 +321,8 @@ std::vector<app::UIWindowHost::LayoutLine> ShellWindowHost::layoutLines() const
             entry.gap = entry.y - previousBottom;
             entry.fontFamily = font.family();
             entry.fontSize = font.pointSizeF();
-            entry.before = block.blockFormat().topMargin();
-            entry.after = block.blockFormat().bottomMargin();
+            entry.before = style && style->hasParagraph ? style->paragraph.paragraphSpacingBefore : 0;
+            entry.after = style && style->hasParagraph ? style->paragraph.paragraphSpacing : 0;
             entry.text = block.text().mid(line.textStart(), line.textLength());
             previousBottom = entry.y + entry.height;
             lines.push_back(entry);

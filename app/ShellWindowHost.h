@@ -2,7 +2,6 @@
 
 #include "Velmo/UIWindowHost.h"
 
-class QPlainTextEdit;
 class QWidget;
 
 namespace velmo::app {
@@ -10,6 +9,8 @@ class AppState;
 }
 
 namespace velmo::ui {
+
+class MarkdownEditorView;
 
 // The windows as the logic sees them: pictures, sizes, menus, and the text view's input path
 // driven by real key and input-method events, so that a scripted keystroke runs everything a
@@ -41,7 +42,7 @@ public:
     void endSheets() override;
 
 private:
-    QPlainTextEdit* textView() const;
+    MarkdownEditorView* textView() const;
 
     app::AppState& m_state;
     std::optional<Range> m_marked;

@@ -1,6 +1,7 @@
 // The driver's editing group: the text view's input path, settings, pictures, menus and quit.
 #include "Velmo/UIDriverCommands.h"
 
+#include "MarkdownEngine/Layout/MarkdownEditorCoordinator.h"
 #include "Velmo/AppState.h"
 #include "Velmo/UIDriver.h"
 #include "Velmo/UIWindowHost.h"
@@ -139,8 +140,10 @@ std::vector<Entry> editingGroup()
              return QStringLiteral("unmark");
          }},
         {"restyle", [](Context& c, const UIDriverCommand&) -> QString {
-             if (c.state.editor().coordinator.isNull())
+             auto* coordinator = qobject_cast<markdown::MarkdownEditorCoordinator*>(c.state.editor().coordinator.data());
+             if (!coordinator)
                  return noEditor;
+             coordinator->restyleNow();
              return QStringLiteral("restyle");
          }},
         {"text", [](Context& c, const UIDriverCommand&) -> QString {

@@ -1,5 +1,9 @@
 #include "Velmo/UIDump.h"
 
+#include "MarkdownEngine/Layout/MarkdownEditorCoordinator.h"
+#include "MarkdownEngine/Layout/MarkdownTextStorage.h"
+#include "MarkdownEngine/Layout/MarkdownTextView.h"
+#include "MarkdownEngine/Styling/MarkdownFragmentDump.h"
 #include "Velmo/AppState.h"
 #include "Velmo/UIDriver.h"
 #include "Velmo/UIWindowHost.h"
@@ -172,7 +176,12 @@ void windowSections(QString& out, AppState& state, const UIWindowHost* host)
     out += host ? host->menusSection() : QStringLiteral("(no main menu)\n");
     out += "\n== windows ==\n";
     out += host ? host->windowsSection() : QStringLiteral("(no windows)\n");
-    out += "\nconfig body=none h1=none bodyFontName=" + state.settings().font()
+    out += u'\n';
+    if (const auto* coordinator = qobject_cast<const markdown::MarkdownEditorCoordinator*>(state.editor().coordinator.data())) {
+        out += markdown::MarkdownFragmentDump::section(coordinator->config, coordinator->fragments, coordinator->text());
+        return;
+    }
+    out += "config body=none h1=none bodyFontName=" + state.settings().font()
         + " bodySize=" + number(state.settings().fontSize()) + "\n";
     out += "fragments=0\n";
 }
@@ -207,9 +216,21 @@ QString UIDump::body(AppState& state, const UIWindowHost* host, const UIDriverEn
     liveEditorSection(out, state, host);
     windowSections(out, state, host);
     if (environment.attributes) {
-        // No styler writes attribute runs yet.
-        const bool hasText = state.editor().surface() && state.activeDocument();
-        out += hasText ? QStringLiteral("\n== styled text ==\nruns=0\n") : QStringLiteral("\n== styled text ==\nnone\n");
+        const auto* coordinator = qobject_cast<const markdown::MarkdownEditorCoordinator*>(state.editor().coordinator.data());
+        if (coordinator && state.activeDocument()) {
+            const auto runs = coordinator->textView.textStorage().runs();
+            const QString text = coordinator->text();
+            out += "\n== styled text ==\nruns=" + QString::number(runs.size()) + "\n";
+            for (const auto& run : runs) {
+                out += QStringLiteral("  [%1,%2] role=%3 hidden=%4 font=%5 ").arg(run.range.location).arg(run.range.length)
+                    .arg(run.attributes.has(markdown::MarkdownTextAttributes::Role) ? markdown::rawValue(run.attributes.role) : QStringLiteral("none"))
+                    .arg(flag(run.attributes.has(markdown::MarkdownTextAttributes::Hidden) && run.attributes.hidden))
+                    .arg(run.attributes.has(markdown::MarkdownTextAttributes::Font) ? markdown::MarkdownFragmentDump::font(run.attributes.font) : QStringLiteral("none"));
+                out += excerpt(QStringView(text).mid(run.range.location, std::min(run.range.length, 60))) + "\n";
+            }
+        } else {
+            out += QStringLiteral("\n== styled text ==\nnone\n");
+        }
     }
     if (environment.lines)
         linesSection(out, host);

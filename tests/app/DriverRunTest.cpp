@@ -234,7 +234,8 @@ TEST_F(DriverRun, windowCommandsWorkOnTheOffscreenWindow)
                              "menu:File>Save — performed File>Save", "menu:File>Nothing — no item Nothing in File",
                              "validate — validated menu"})
         EXPECT_TRUE(out.contains(QString::fromUtf8(note))) << note;
-    EXPECT_TRUE(out.contains("\n== styled text ==\nruns=0\n\n== lines ==\n  line  0 y=    0.0 h="));
+    EXPECT_TRUE(out.contains("\n== styled text ==\nruns=")) << "the live editor's attribute runs";
+    EXPECT_TRUE(out.contains("\n== lines ==\n  line  0 y="));
     EXPECT_TRUE(out.contains("hasMarkedText=true markedRange={9, 2}"));
     // Marked text never reaches the document; the committed text does, and the menu saved it.
     EXPECT_EQ(readBytes(path("notes/Alpha.md")), QByteArray("# Alpha\n\n仮名 note\n"));

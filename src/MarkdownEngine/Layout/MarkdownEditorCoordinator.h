@@ -1,0 +1,164 @@
+#pragma once
+
+#include "MarkdownEngine/Configuration/MarkdownEditorConfiguration.h"
+#include "MarkdownEngine/Core/MarkdownDocument.h"
+#include "MarkdownEngine/Core/MarkdownSourceEditorState.h"
+#include "MarkdownEngine/Core/MarkdownTextStatistics.h"
+#include "MarkdownEngine/Core/OutlineEntry.h"
+#include "MarkdownEngine/Layout/EditorReveals.h"
+#include "MarkdownEngine/Styling/MarkdownASTStyler.h"
+#include "MarkdownEngine/Styling/MarkdownEditorAttachmentFactory.h"
+#include "MarkdownEngine/Styling/MarkdownEditorFragmentStore.h"
+
+#include <QHash>
+#include <QObject>
+#include <QUrl>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace velmo::markdown {
+
+class MarkdownEditorCoordinator;
+class MarkdownTextView;
+
+// Who hears from the coordinator: the host that keeps the open note in step with the editor.
+class MarkdownEditorCoordinatorDelegate {
+public:
+    virtual ~MarkdownEditorCoordinatorDelegate() = default;
+    virtual void coordinatorDidChangeText(MarkdownEditorCoordinator& coordinator) = 0;
+    virtual void coordinatorDidChangeSelection(MarkdownEditorCoordinator& coordinator,
+                                               const MarkdownSourceEditorState& state) = 0;
+    virtual void coordinatorDidChangeStatistics(MarkdownEditorCoordinator& coordinator,
+                                                const MarkdownTextStatistics& statistics) = 0;
+    virtual void coordinatorDidChangeOutline(MarkdownEditorCoordinator&, const std::vector<OutlineEntry>&) {}
+    virtual void coordinatorDidActivateWikiLink(const QString& /*target*/, const std::optional<QString>& /*heading*/) {}
+    virtual void coordinatorDidActivateTag(const QString& /*tag*/) {}
+    virtual void coordinatorDidOpenURLs(const std::vector<QUrl>& /*urls*/) {}
+};
+
+// The inline formatting at the selection, for the toolbar and menus.
+struct InlineSelectionState {
+    bool bold = false;
+    bool italic = false;
+    bool highlight = false;
+    bool strikethrough = false;
+    bool code = false;
+    bool operator==(const InlineSelectionState&) const = default;
+};
+
+// The live restyle loop between the text view and the pure parser and styler. On each change
+// of text or caret it does nothing, restyles the blocks around the caret, or parses and styles
+// the whole note and copies only the changed lines into the storage. Main thread only.
+//
+// Guarantee: `isRestyled` is set only after a full pass over the storage's current text with
+// the current configuration; while it is clear, the next pass copies every attribute.
+class MarkdownEditorCoordinator : public QObject {
+    Q_OBJECT
+
+public:
+    MarkdownEditorCoordinator(MarkdownTextView& textView, MarkdownEditorConfiguration config, QObject* parent = nullptr);
+    ~MarkdownEditorCoordinator() override;
+
+    // Fields, in the order of the design; public where the driver and tests read them.
+    MarkdownTextView& textView;
+    MarkdownEditorConfiguration config;
+    std::unique_ptr<MarkdownEditorAttachmentFactory> attachmentFactory;
+    MarkdownDocument document;
+    MarkdownEditorFragmentStore fragments;
+    MarkdownTextStatistics statistics;
+    MarkdownSourceEditorState editorState;
+    std::vector<OutlineEntry> outlineEntries;
+    QHash<QString, MarkdownStyledText> codeCache;
+    QString lastText;
+    std::vector<MarkdownSourceRange> lastActiveLines;
+    bool scheduled = false;
+    bool isRestyled = false;
+    MarkdownParseOptions parseOptions;
+    int textRevision = 0;
+    int cachedStatisticsRevision = -1;
+    MarkdownTextStatistics cachedDocumentStatistics;
+    int cachedFenceRevision = -1;
+    std::vector<int> cachedFenceLineStarts;
+    int cachedCodeRangesRevision = -1;
+    std::vector<MarkdownSourceRange> cachedCodeRanges;
+    std::optional<QString> lastOutlineText;
+    QHash<QString, MarkdownStyledText> lastHighlightedCode;
+    std::vector<MarkdownSourceRange> selectionSensitiveRanges;
+    std::optional<MarkdownSourceRange> lastFormulaUnderCaret;
+    int fullStylePassCount = 0;
+    int selectionStylePassCount = 0;
+    int statisticsMeasurementCount = 0;
+    double maximumEmbedWidth = 620.0;
+    std::vector<MarkdownSourceRange> findHighlights;
+    MarkdownEditorCoordinatorDelegate* delegate = nullptr; // not owned; cleared by its owner
+    QString documentId;
+    std::optional<InlineSelectionState> inlineSelection;
+
+    // Caret moves restyle a few blocks without rebuilding the whole store: their fragments
+    // stand over `overlayRanges` until the next full pass folds them in.
+    MarkdownEditorFragmentStore selectionOverlay;
+    std::vector<MarkdownSourceRange> overlayRanges;
+    // The hit target at a position, the overlay's first where it covers the position.
+    [[nodiscard]] const MarkdownEditorFragment* hitTarget(int position) const;
+
+    // The range the last full pass wrote into the storage: what tests and traces read.
+    MarkdownSourceRange lastAppliedRange;
+
+    void scheduleRestyle();
+    void restyleNow();
+    void restyleSelectionNow();
+    void setText(const QString& text, int caretAt);
+    void update(const MarkdownEditorConfiguration& newConfig);
+    void attachmentDidBecomeReady();
+
+    void select(MarkdownSourceRange range);
+    void selectAndReveal(MarkdownSourceRange range);
+    bool revealHeading(const QString& title);
+    // `line` is 1-based; the first match of `query` on it is selected, else the line's start.
+    void revealLine(int line, const QString& query);
+    // Takes the queue's requests in order.
+    void performReveals(EditorReveals& reveals);
+
+    void applyFindHighlights();
+    void refreshOutline();
+    [[nodiscard]] InlineSelectionState formatState() const;
+    MarkdownTextStatistics measureStatistics();
+
+    // What the text view reports.
+    void textViewDidChange();
+    void textViewDidChangeSelection();
+    void textViewDidChangeMarkedText();
+    void textViewDidInsertNewline() {}
+    void textViewDidToggleCheckbox(MarkdownSourceRange box);
+    void textViewDidActivateWikiLink(const QString& target, const std::optional<QString>& heading);
+    void textViewDidActivateTag(const QString& tag);
+    void textViewDidOpenURL(const QUrl& url);
+
+    [[nodiscard]] QString text() const;
+    [[nodiscard]] MarkdownSourceRange selectedRange() const;
+    [[nodiscard]] bool isComposing() const;
+
+    // The styler's request for the current state.
+    [[nodiscard]] MarkdownASTStyler::Request request() const;
+    [[nodiscard]] MarkdownSourceEditorState makeEditorState() const;
+    // The lines a full pass must write: active lines, old and new, and the changed text.
+    [[nodiscard]] MarkdownSourceRange dirtyRange(const std::vector<MarkdownSourceRange>& activeLines) const;
+    [[nodiscard]] MarkdownSourceRange changedTextRange() const;
+
+private:
+    QHash<QString, MarkdownStyledText> highlightedCode();
+    void apply(const MarkdownASTStyler::Result& result, const std::vector<MarkdownSourceRange>& activeLines,
+               bool forceAllAttributes);
+    void installStore(MarkdownEditorFragmentStore store);
+    void refreshInlineSelection();
+    void tellStatistics();
+    void traceStorage(const char* label) const;
+    void trace(const MarkdownStyledText& final) const;
+    [[nodiscard]] MarkdownSourceRange alignedToTables(MarkdownSourceRange range) const;
+    [[nodiscard]] MarkdownTextAttributes baseAttributes() const;
+
+    bool m_traceStyle = false;
+};
+
+}

@@ -1,0 +1,224 @@
+#include "MarkdownEngine/Layout/MarkdownEditorCoordinator.h"
+#include "MarkdownEngine/Layout/MarkdownHeadlessTextView.h"
+
+#include <QCoreApplication>
+#include <QTextBlock>
+#include <gtest/gtest.h>
+
+using namespace velmo::markdown;
+
+namespace {
+
+struct Recorder : MarkdownEditorCoordinatorDelegate {
+    int texts = 0;
+    int selections = 0;
+    int statistics = 0;
+    void coordinatorDidChangeText(MarkdownEditorCoordinator&) override { ++texts; }
+    void coordinatorDidChangeSelection(MarkdownEditorCoordinator&, const MarkdownSourceEditorState&) override
+    {
+        ++selections;
+    }
+    void coordinatorDidChangeStatistics(MarkdownEditorCoordinator&, const MarkdownTextStatistics&) override
+    {
+        ++statistics;
+    }
+};
+
+// An editor without a window, opened on `text` with the caret at `caret`.
+struct Editor {
+    MarkdownHeadlessTextView view;
+    MarkdownEditorCoordinator coordinator{view, MarkdownEditorConfiguration{}};
+    Recorder recorder;
+
+    Editor(const QString& text, int caret)
+    {
+        view.setCoordinator(&coordinator);
+        coordinator.delegate = &recorder;
+        coordinator.setText(text, caret);
+    }
+    void turn() { QCoreApplication::processEvents(); }
+    // Whether the storage draws the character at `i` as a hidden marker.
+    bool hiddenAt(int i)
+    {
+        const QTextBlock block = view.textStorage().document()->findBlock(i);
+        const MarkdownBlockStyle* style = view.textStorage().blockStyle(block);
+        if (!style)
+            return false;
+        for (const auto& run : style->runs) {
+            if (run.range.contains(i - block.position()))
+                return run.attributes.has(MarkdownTextAttributes::Hidden) && run.attributes.hidden;
+        }
+        return false;
+    }
+};
+
+const QString note = QStringLiteral("# Title\n\nplain one\nplain two\n\nSome **bold** words.\n");
+
+}
+
+TEST(MarkdownEditorCoordinator, TwoChangesInOneTurnMakeOnePass)
+{
+    Editor e(note, 0);
+    const int passes = e.coordinator.fullStylePassCount;
+    e.view.setSelection({9, 0});
+    e.view.insert("a");
+    e.view.insert("b");
+    EXPECT_EQ(e.coordinator.fullStylePassCount, passes);
+    e.turn();
+    EXPECT_EQ(e.coordinator.fullStylePassCount, passes + 1);
+    EXPECT_EQ(e.recorder.texts, 2);
+    EXPECT_EQ(e.coordinator.document.text, e.view.textStorage().text());
+}
+
+TEST(MarkdownEditorCoordinator, CaretMovesRestyleOnlyWhereMarkersHideOrShow)
+{
+    struct Case {
+        const char* name;
+        int from;
+        int to;
+        bool restyles;
+    };
+    const Case cases[] = {
+        {"within a plain line", 10, 13, false},
+        {"plain line to plain line", 10, 20, false},
+        {"onto the heading", 20, 3, true},
+        {"onto the bold words' line", 20, 34, true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Editor e(note, c.from);
+        e.turn();
+        const int selectionPasses = e.coordinator.selectionStylePassCount;
+        const int fullPasses = e.coordinator.fullStylePassCount;
+        e.view.setSelection({c.to, 0});
+        e.turn();
+        EXPECT_EQ(e.coordinator.fullStylePassCount, fullPasses);
+        EXPECT_EQ(e.coordinator.selectionStylePassCount, selectionPasses + (c.restyles ? 1 : 0));
+        ASSERT_FALSE(e.coordinator.lastActiveLines.empty());
+        EXPECT_TRUE(e.coordinator.lastActiveLines.front().containsInclusive(c.to));
+    }
+}
+
+TEST(MarkdownEditorCoordinator, MarkersShowOnTheCaretLineAndHideOffIt)
+{
+    Editor e(note, 20);
+    EXPECT_TRUE(e.hiddenAt(0)) << "the heading's # off the caret line";
+    e.view.setSelection({3, 0});
+    e.turn();
+    EXPECT_FALSE(e.hiddenAt(0));
+    EXPECT_TRUE(e.hiddenAt(36)) << "** of another line";
+    e.view.setSelection({20, 0});
+    e.turn();
+    EXPECT_TRUE(e.hiddenAt(0));
+}
+
+TEST(MarkdownEditorCoordinator, CompositionLeavesAttributesUntilItEnds)
+{
+    Editor e(note, 3);
+    e.turn();
+    const int passes = e.coordinator.fullStylePassCount;
+    const auto runs = e.view.textStorage().runs();
+    e.view.setMarkedText(QStringLiteral("か"));
+    // An input method may write into the storage while it composes.
+    e.view.setSelection({3, 0});
+    e.view.insert(QStringLiteral("か"));
+    e.turn();
+    EXPECT_EQ(e.coordinator.fullStylePassCount, passes);
+    EXPECT_EQ(e.recorder.texts, 0) << "no partial composition reaches the note";
+    const auto during = e.view.textStorage().runs();
+    ASSERT_EQ(during.size(), runs.size());
+    for (std::size_t i = 0; i < runs.size(); ++i)
+        EXPECT_EQ(during[i].attributes, runs[i].attributes);
+    e.view.commitMarkedText(QString());
+    e.turn();
+    EXPECT_EQ(e.coordinator.fullStylePassCount, passes + 1);
+    EXPECT_EQ(e.coordinator.document.text, e.view.textStorage().text());
+}
+
+TEST(MarkdownEditorCoordinator, DirtyRangeCoversChangedLinesUnlessOverHalf)
+{
+    QString big;
+    for (int i = 0; i < 200; ++i)
+        big += QStringLiteral("Line %1 with *some* text\n").arg(i);
+    Editor e(big, 0);
+    e.turn();
+    EXPECT_EQ(e.coordinator.lastAppliedRange.length, big.size()) << "the first pass copies everything";
+
+    const int middle = int(big.indexOf("Line 100"));
+    e.view.setSelection({middle, 0});
+    e.turn();
+    e.view.insert("x");
+    e.turn();
+    const MarkdownSourceRange applied = e.coordinator.lastAppliedRange;
+    EXPECT_LE(applied.location, middle);
+    EXPECT_GE(applied.upperBound(), middle + 1);
+    EXPECT_LT(applied.length, 200) << "only the lines around the caret";
+
+    e.view.setSelection({0, int(big.size()) * 2 / 3});
+    e.view.insert("replaced\n");
+    e.turn();
+    EXPECT_EQ(e.coordinator.lastAppliedRange.length, e.view.textStorage().length());
+}
+
+TEST(MarkdownEditorCoordinator, UndoArrivesAsATextChange)
+{
+    Editor e(note, 9);
+    e.turn();
+    e.view.insert("**x**");
+    e.turn();
+    const int revision = e.coordinator.textRevision;
+    const int passes = e.coordinator.fullStylePassCount;
+    e.view.undo();
+    EXPECT_EQ(e.view.textStorage().text(), note);
+    EXPECT_EQ(e.coordinator.textRevision, revision + 1);
+    e.turn();
+    EXPECT_EQ(e.coordinator.fullStylePassCount, passes + 1);
+    EXPECT_EQ(e.coordinator.document.text, note);
+}
+
+TEST(MarkdownEditorCoordinator, SetTextClampsTheCaretAndStylesAtOnce)
+{
+    Editor e(note, 0);
+    const int passes = e.coordinator.fullStylePassCount;
+    e.coordinator.setText(QStringLiteral("short"), 99);
+    EXPECT_EQ(e.coordinator.selectedRange(), (MarkdownSourceRange{5, 0}));
+    EXPECT_EQ(e.coordinator.fullStylePassCount, passes + 1) << "without waiting for the event loop";
+    EXPECT_TRUE(e.coordinator.isRestyled);
+    EXPECT_EQ(e.view.textStorage().document()->isUndoAvailable(), false);
+}
+
+TEST(MarkdownEditorCoordinator, StatisticsAndOutlineFollowTheText)
+{
+    Editor e(note, 0);
+    EXPECT_EQ(e.coordinator.statistics.words, 8);
+    ASSERT_EQ(e.coordinator.outlineEntries.size(), 1u);
+    e.view.setSelection({int(note.size()), 0});
+    e.view.insert("## Second\n");
+    e.turn();
+    EXPECT_EQ(e.coordinator.outlineEntries.size(), 2u);
+    const int measured = e.coordinator.statisticsMeasurementCount;
+    e.view.setSelection({10, 0});
+    e.view.setSelection({11, 0});
+    EXPECT_EQ(e.coordinator.statisticsMeasurementCount, measured) << "cached per text revision";
+    e.view.setSelection({9, 9});
+    EXPECT_TRUE(e.coordinator.statistics.isSelection);
+    EXPECT_EQ(e.coordinator.statistics.words, 2);
+}
+
+TEST(MarkdownEditorCoordinator, RevealsAndFindHighlights)
+{
+    Editor e(note, 0);
+    EditorReveals reveals;
+    reveals.request({EditorReveal::Heading{QStringLiteral("title")}});
+    reveals.request({EditorReveal::Find{QStringLiteral("TWO"), 4}});
+    EXPECT_EQ(reveals.generation(), 2);
+    e.coordinator.performReveals(reveals);
+    EXPECT_FALSE(reveals.hasPending());
+    EXPECT_EQ(e.coordinator.selectedRange(), (MarkdownSourceRange{int(note.indexOf("two")), 3}));
+    EXPECT_FALSE(e.coordinator.revealHeading(QStringLiteral("nowhere")));
+
+    e.coordinator.findHighlights = {{9, 5}, {500, 3}};
+    e.coordinator.applyFindHighlights();
+    ASSERT_EQ(e.view.painter().highlights().size(), 1u) << "clipped to the text";
+    EXPECT_EQ(e.view.textStorage().document()->isUndoAvailable(), false) << "never in the storage";
+}
