@@ -1,4 +1,5 @@
 #include "MarkdownEngine/Editing/MarkdownEditingCommands.h"
+#include "MarkdownEngine/Editing/EditingText.h"
 
 #include "MarkdownEngine/Core/MarkdownTextColor.h"
 #include "MarkdownEngine/Core/TextCharacters.h"
@@ -15,18 +16,9 @@ using Edit = MarkdownEditingCommands::Edit;
 
 namespace {
 
-bool isBlank(QChar c)
-{
-    return c == u' ' || c == u'\t';
-}
+using editing_text::isBlank;
+using editing_text::leadingBlanks;
 
-qsizetype leadingBlanks(QStringView line)
-{
-    qsizetype i = 0;
-    while (i < line.size() && isBlank(line[i]))
-        ++i;
-    return i;
-}
 
 bool isLowSurrogateAt(QStringView text, qsizetype i)
 {

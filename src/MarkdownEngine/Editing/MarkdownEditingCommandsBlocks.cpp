@@ -4,6 +4,7 @@
 #include "MarkdownEngine/Core/MarkdownParseOptions.h"
 #include "MarkdownEngine/Core/TextCharacters.h"
 #include "MarkdownEngine/Editing/MarkdownEditingCommands.h"
+#include "MarkdownEngine/Editing/EditingText.h"
 #include "MarkdownEngine/Parser/BlockTokenizer.h"
 
 #include <QHash>
@@ -17,18 +18,9 @@ using Edit = MarkdownEditingCommands::Edit;
 
 namespace {
 
-bool isBlank(QChar c)
-{
-    return c == u' ' || c == u'\t';
-}
+using editing_text::isBlank;
+using editing_text::leadingBlanks;
 
-qsizetype leadingBlanks(QStringView line)
-{
-    qsizetype i = 0;
-    while (i < line.size() && isBlank(line[i]))
-        ++i;
-    return i;
-}
 
 // Quote markers at the line's start, each ">" with the spaces after it: "> > ".
 qsizetype quotePrefixLength(QStringView line)

@@ -13,6 +13,18 @@ MarkdownTextAttributes MarkdownEditorFragment::effectiveAttributes() const
     return result;
 }
 
+MarkdownEditorFragment MarkdownEditorFragment::make(MarkdownSourceRange range, MarkdownEditorFragmentRole role,
+                                                    MarkdownTextAttributes attributes, int priority, bool hidden)
+{
+    MarkdownEditorFragment f;
+    f.range = range;
+    f.role = role;
+    f.attributes = std::move(attributes);
+    f.priority = priority;
+    f.isHidden = hidden;
+    return f;
+}
+
 MarkdownEditorFragment MarkdownEditorFragment::hidden(MarkdownSourceRange range, MarkdownEditorFragmentRole role,
                                                       const MarkdownEditorConfiguration& config)
 {

@@ -30,6 +30,9 @@ struct MarkdownEditorFragment {
     // `attributes` with Velmo.role, and Velmo.hidden when hidden.
     [[nodiscard]] MarkdownTextAttributes effectiveAttributes() const;
 
+    [[nodiscard]] static MarkdownEditorFragment make(MarkdownSourceRange range, MarkdownEditorFragmentRole role,
+                                                     MarkdownTextAttributes attributes, int priority,
+                                                     bool hidden = false);
     // A marker off the active line: the body font shrunk to next to nothing, clear ink.
     [[nodiscard]] static MarkdownEditorFragment hidden(MarkdownSourceRange range, MarkdownEditorFragmentRole role,
                                                        const MarkdownEditorConfiguration& config);
