@@ -215,7 +215,7 @@ TEST(MarkdownASTStyler, ListGuttersShareTheWidestMarker)
     for (int i = 1; i <= 10; ++i)
         text += QString::number(i) + QStringLiteral(". item\n");
     const auto s = style(text);
-    const MarkdownFontSpec body = s->config.bodyFont();
+    const MarkdownFontDescriptor body = s->config.bodyFont();
     MarkdownASTStyler::Request request;
     request.document = &s->document;
     request.config = &s->config;
@@ -419,7 +419,7 @@ TEST(MarkdownASTStyler, ParagraphMetrics)
 {
     MarkdownEditorConfiguration config;
     const auto document = MarkdownDocument::parse(QStringLiteral("# H\n\n- a\n  - b\n"));
-    const MarkdownFontSpec body = config.bodyFont();
+    const MarkdownFontDescriptor body = config.bodyFont();
     const auto heading = MarkdownASTStyler::paragraphStyle(document.blocks[0], config, body);
     EXPECT_FLOAT_EQ(heading.paragraphSpacingBefore, float(1.3 * 15));
     EXPECT_FLOAT_EQ(heading.paragraphSpacing, float(0.25 * 15 * 0.5));

@@ -94,7 +94,7 @@ TEST(MarkdownEditorTheme, BuiltInsPatchesAndCalloutColours)
 
 TEST(MarkdownFont, WeightsTraitsAndFallbacks)
 {
-    const MarkdownFontSpec serif = MarkdownFont::serif(15);
+    const MarkdownFontDescriptor serif = MarkdownFont::serif(15);
     EXPECT_FALSE(serif.family.isEmpty());
     EXPECT_EQ(MarkdownFont::named(QStringLiteral("No Such Family"), 15), serif);
     EXPECT_EQ(MarkdownFont::named(std::nullopt, 15), serif);

@@ -17,11 +17,11 @@ HighlighterSyntaxHighlighter::HighlighterSyntaxHighlighter(highlighter::SyntaxHi
 {
 }
 
-MarkdownFontSpec HighlighterSyntaxHighlighter::codeFont() const
+MarkdownFontDescriptor HighlighterSyntaxHighlighter::codeFont() const
 {
     for (const QString& family : m_engine.font.families) {
         if (MarkdownFont::isAvailable(family))
-            return MarkdownFontSpec{family, float(m_engine.font.pointSize)};
+            return MarkdownFontDescriptor{family, float(m_engine.font.pointSize)};
     }
     return MarkdownFont::monospaced(m_engine.font.pointSize);
 }

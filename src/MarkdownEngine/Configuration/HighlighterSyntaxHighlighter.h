@@ -11,7 +11,7 @@ class HighlighterSyntaxHighlighter final : public SyntaxHighlighter {
 public:
     explicit HighlighterSyntaxHighlighter(highlighter::SyntaxHighlighter engine = {}, QColor background = {});
 
-    MarkdownFontSpec codeFont() const override;
+    MarkdownFontDescriptor codeFont() const override;
     QColor backgroundColor() const override;
     std::optional<MarkdownStyledText> highlightedCode(const QString& source,
                                                       const std::optional<QString>& language) const override;

@@ -62,7 +62,7 @@ std::vector<MarkdownEditorConfiguration::DirectivePointer> MarkdownEditorConfigu
     return DirectiveRegistry::builtIn().directives();
 }
 
-MarkdownFontSpec MarkdownEditorConfiguration::bodyFont(std::optional<double> size) const
+MarkdownFontDescriptor MarkdownEditorConfiguration::bodyFont(std::optional<double> size) const
 {
     const double points = size.value_or(bodySize);
     if (bodyFontName && !bodyFontName->isEmpty())

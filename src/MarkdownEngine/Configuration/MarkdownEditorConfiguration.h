@@ -220,7 +220,7 @@ struct MarkdownEditorConfiguration {
     // The fields hasSameStyle compares, in declaration order.
     [[nodiscard]] static const QStringList& styleFieldNames();
 
-    [[nodiscard]] MarkdownFontSpec bodyFont(std::optional<double> size = std::nullopt) const;
+    [[nodiscard]] MarkdownFontDescriptor bodyFont(std::optional<double> size = std::nullopt) const;
     [[nodiscard]] double headingPointSize(int level, double bodySize) const
     {
         return bodySize * headings.fontMultiplier(level);

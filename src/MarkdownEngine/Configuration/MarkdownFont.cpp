@@ -99,13 +99,13 @@ QString MarkdownFont::systemRounded()
     return systemFamily().isEmpty() ? QStringLiteral("SF Pro Text") : systemFamily();
 }
 
-MarkdownFontSpec MarkdownFont::system(double size, int weight)
+MarkdownFontDescriptor MarkdownFont::system(double size, int weight)
 {
-    MarkdownFontSpec spec{systemFamily(), float(size)};
-    return applying(weight, spec);
+    MarkdownFontDescriptor descriptor{systemFamily(), float(size)};
+    return applying(weight, descriptor);
 }
 
-MarkdownFontSpec MarkdownFont::font(Design design, double size, int weight)
+MarkdownFontDescriptor MarkdownFont::font(Design design, double size, int weight)
 {
     switch (design) {
     case Design::system: return system(size, weight);
@@ -116,46 +116,46 @@ MarkdownFontSpec MarkdownFont::font(Design design, double size, int weight)
     return system(size, weight);
 }
 
-MarkdownFontSpec MarkdownFont::serif(double size, int weight)
+MarkdownFontDescriptor MarkdownFont::serif(double size, int weight)
 {
-    return applying(weight, MarkdownFontSpec{systemSerif(), float(size)});
+    return applying(weight, MarkdownFontDescriptor{systemSerif(), float(size)});
 }
 
-MarkdownFontSpec MarkdownFont::rounded(double size, int weight)
+MarkdownFontDescriptor MarkdownFont::rounded(double size, int weight)
 {
-    return applying(weight, MarkdownFontSpec{systemRounded(), float(size)});
+    return applying(weight, MarkdownFontDescriptor{systemRounded(), float(size)});
 }
 
-MarkdownFontSpec MarkdownFont::monospaced(double size, int weight)
+MarkdownFontDescriptor MarkdownFont::monospaced(double size, int weight)
 {
-    return applying(weight, MarkdownFontSpec{systemMonospaced(), float(size)});
+    return applying(weight, MarkdownFontDescriptor{systemMonospaced(), float(size)});
 }
 
-MarkdownFontSpec MarkdownFont::named(const std::optional<QString>& name, double size, int weight)
+MarkdownFontDescriptor MarkdownFont::named(const std::optional<QString>& name, double size, int weight)
 {
     // Whatever the design, a name that does not load falls to serif.
     if (!name || name->isEmpty() || !isAvailable(*name))
         return serif(size, weight);
-    return applying(weight, MarkdownFontSpec{*name, float(size)});
+    return applying(weight, MarkdownFontDescriptor{*name, float(size)});
 }
 
-MarkdownFontSpec MarkdownFont::withSize(const MarkdownFontSpec& font, double size)
+MarkdownFontDescriptor MarkdownFont::withSize(const MarkdownFontDescriptor& font, double size)
 {
-    MarkdownFontSpec result = font;
+    MarkdownFontDescriptor result = font;
     result.pointSize = float(size);
     return result;
 }
 
-MarkdownFontSpec MarkdownFont::tabularDigits(const MarkdownFontSpec& font)
+MarkdownFontDescriptor MarkdownFont::tabularDigits(const MarkdownFontDescriptor& font)
 {
-    MarkdownFontSpec result = font;
+    MarkdownFontDescriptor result = font;
     result.tabularDigits = true;
     return result;
 }
 
-MarkdownFontSpec MarkdownFont::applying(int weight, const MarkdownFontSpec& font)
+MarkdownFontDescriptor MarkdownFont::applying(int weight, const MarkdownFontDescriptor& font)
 {
-    MarkdownFontSpec result = font;
+    MarkdownFontDescriptor result = font;
     if (weight >= QFont::DemiBold)
         result.weight = QFont::Bold;
     else if (weight <= QFont::Light && result.isBold())
@@ -163,9 +163,9 @@ MarkdownFontSpec MarkdownFont::applying(int weight, const MarkdownFontSpec& font
     return result;
 }
 
-MarkdownFontSpec MarkdownFont::applying(Trait trait, const MarkdownFontSpec& font)
+MarkdownFontDescriptor MarkdownFont::applying(Trait trait, const MarkdownFontDescriptor& font)
 {
-    MarkdownFontSpec result = font;
+    MarkdownFontDescriptor result = font;
     if (trait == Trait::bold)
         result.weight = std::max<short>(result.weight, QFont::Bold);
     else
@@ -173,9 +173,9 @@ MarkdownFontSpec MarkdownFont::applying(Trait trait, const MarkdownFontSpec& fon
     return result;
 }
 
-MarkdownFontSpec MarkdownFont::removing(Trait trait, const MarkdownFontSpec& font)
+MarkdownFontDescriptor MarkdownFont::removing(Trait trait, const MarkdownFontDescriptor& font)
 {
-    MarkdownFontSpec result = font;
+    MarkdownFontDescriptor result = font;
     if (trait == Trait::bold) {
         if (result.isBold())
             result.weight = QFont::Normal;

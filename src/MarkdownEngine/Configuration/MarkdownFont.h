@@ -1,6 +1,6 @@
 #pragma once
 
-#include "MarkdownEngine/Configuration/MarkdownFontSpec.h"
+#include "MarkdownEngine/Configuration/MarkdownFontDescriptor.h"
 
 #include <QString>
 #include <optional>
@@ -19,20 +19,20 @@ public:
     // A trait that `applying` and `removing` take besides a weight.
     enum class Trait : unsigned char { bold, italic };
 
-    [[nodiscard]] static MarkdownFontSpec font(Design design, double size, int weight = QFont::Normal);
-    [[nodiscard]] static MarkdownFontSpec named(const std::optional<QString>& name, double size,
+    [[nodiscard]] static MarkdownFontDescriptor font(Design design, double size, int weight = QFont::Normal);
+    [[nodiscard]] static MarkdownFontDescriptor named(const std::optional<QString>& name, double size,
                                                 int weight = QFont::Normal);
-    [[nodiscard]] static MarkdownFontSpec monospaced(double size, int weight = QFont::Normal);
-    [[nodiscard]] static MarkdownFontSpec serif(double size, int weight = QFont::Normal);
-    [[nodiscard]] static MarkdownFontSpec rounded(double size, int weight = QFont::Normal);
-    [[nodiscard]] static MarkdownFontSpec system(double size, int weight = QFont::Normal);
+    [[nodiscard]] static MarkdownFontDescriptor monospaced(double size, int weight = QFont::Normal);
+    [[nodiscard]] static MarkdownFontDescriptor serif(double size, int weight = QFont::Normal);
+    [[nodiscard]] static MarkdownFontDescriptor rounded(double size, int weight = QFont::Normal);
+    [[nodiscard]] static MarkdownFontDescriptor system(double size, int weight = QFont::Normal);
 
-    [[nodiscard]] static MarkdownFontSpec withSize(const MarkdownFontSpec& font, double size);
-    [[nodiscard]] static MarkdownFontSpec tabularDigits(const MarkdownFontSpec& font);
+    [[nodiscard]] static MarkdownFontDescriptor withSize(const MarkdownFontDescriptor& font, double size);
+    [[nodiscard]] static MarkdownFontDescriptor tabularDigits(const MarkdownFontDescriptor& font);
     // A weight at or above semibold makes it bold; at or below light takes bold away.
-    [[nodiscard]] static MarkdownFontSpec applying(int weight, const MarkdownFontSpec& font);
-    [[nodiscard]] static MarkdownFontSpec applying(Trait trait, const MarkdownFontSpec& font);
-    [[nodiscard]] static MarkdownFontSpec removing(Trait trait, const MarkdownFontSpec& font);
+    [[nodiscard]] static MarkdownFontDescriptor applying(int weight, const MarkdownFontDescriptor& font);
+    [[nodiscard]] static MarkdownFontDescriptor applying(Trait trait, const MarkdownFontDescriptor& font);
+    [[nodiscard]] static MarkdownFontDescriptor removing(Trait trait, const MarkdownFontDescriptor& font);
 
     // The first of the preferred serif families that is installed; may be none.
     [[nodiscard]] static const std::optional<QString>& preferredSerif();

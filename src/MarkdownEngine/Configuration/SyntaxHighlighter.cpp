@@ -7,12 +7,12 @@ namespace velmo::markdown {
 
 QString SyntaxHighlighter::fingerprint() const
 {
-    const MarkdownFontSpec font = codeFont();
+    const MarkdownFontDescriptor font = codeFont();
     return typeName() + u'|' + font.family + u'|' + QString::number(font.pointSize) + u'|'
         + QString::number(qHash(backgroundColor().rgba()));
 }
 
-MarkdownFontSpec PlainTextSyntaxHighlighter::codeFont() const { return MarkdownFont::monospaced(12); }
+MarkdownFontDescriptor PlainTextSyntaxHighlighter::codeFont() const { return MarkdownFont::monospaced(12); }
 
 QColor PlainTextSyntaxHighlighter::backgroundColor() const
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "MarkdownEngine/Configuration/MarkdownFontSpec.h"
+#include "MarkdownEngine/Configuration/MarkdownFontDescriptor.h"
 #include "MarkdownEngine/Styling/MarkdownStyledText.h"
 
 #include <QColor>
@@ -14,7 +14,7 @@ namespace velmo::markdown {
 class SyntaxHighlighter {
 public:
     virtual ~SyntaxHighlighter() = default;
-    [[nodiscard]] virtual MarkdownFontSpec codeFont() const = 0;
+    [[nodiscard]] virtual MarkdownFontDescriptor codeFont() const = 0;
     [[nodiscard]] virtual QColor backgroundColor() const = 0;
     [[nodiscard]] virtual std::optional<MarkdownStyledText> highlightedCode(const QString& source,
                                                                             const std::optional<QString>& language) const = 0;
@@ -27,7 +27,7 @@ protected:
 
 class PlainTextSyntaxHighlighter final : public SyntaxHighlighter {
 public:
-    MarkdownFontSpec codeFont() const override;
+    MarkdownFontDescriptor codeFont() const override;
     QColor backgroundColor() const override;
     std::optional<MarkdownStyledText> highlightedCode(const QString&, const std::optional<QString>&) const override
     {

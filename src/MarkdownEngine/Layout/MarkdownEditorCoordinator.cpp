@@ -296,7 +296,7 @@ void MarkdownEditorCoordinator::apply(const MarkdownASTStyler::Result& result,
 
 MarkdownTextAttributes MarkdownEditorCoordinator::baseAttributes() const
 {
-    const MarkdownFontSpec body = config.bodyFont();
+    const MarkdownFontDescriptor body = config.bodyFont();
     MarkdownParagraphMetrics paragraph = MarkdownASTStyler::baseParagraphStyle(config, body.pointSize);
     const double factor = config.paragraph.blankLineFactor;
     if (factor >= 0 && factor < 1)

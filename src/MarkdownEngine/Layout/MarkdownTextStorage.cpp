@@ -91,12 +91,12 @@ const MarkdownBlockStyle* MarkdownTextStorage::blockStyle(const QTextBlock& bloc
     return data ? &data->style : nullptr;
 }
 
-QFont MarkdownTextStorage::font(const MarkdownFontSpec& spec)
+QFont MarkdownTextStorage::font(const MarkdownFontDescriptor& descriptor)
 {
-    QFont font(spec.family);
-    font.setPointSizeF(std::max(0.05, spec.pointSize * pointScale()));
-    font.setWeight(QFont::Weight(spec.weight));
-    font.setItalic(spec.italic);
+    QFont font(descriptor.family);
+    font.setPointSizeF(std::max(0.05, descriptor.pointSize * pointScale()));
+    font.setWeight(QFont::Weight(descriptor.weight));
+    font.setItalic(descriptor.italic);
     return font;
 }
 

@@ -57,7 +57,7 @@ public:
 
     // Design points to Qt font points: a point of the styler is a device-independent pixel.
     [[nodiscard]] static QTextCharFormat charFormat(const MarkdownTextAttributes& attributes);
-    [[nodiscard]] static QFont font(const MarkdownFontSpec& spec);
+    [[nodiscard]] static QFont font(const MarkdownFontDescriptor& descriptor);
 
     // Bumped on each text change; attribute writes leave it.
     int textRevision() const { return m_textRevision; }

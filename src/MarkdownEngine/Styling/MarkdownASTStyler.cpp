@@ -189,7 +189,7 @@ MarkdownASTStyler::Result MarkdownASTStyler::style(const Request& request)
 {
     const MarkdownEditorConfiguration& config = *request.config;
     const QString& text = request.document->text;
-    const MarkdownFontSpec bodyFont = config.bodyFont();
+    const MarkdownFontDescriptor bodyFont = config.bodyFont();
     Result result;
 
     if (config.rawSourceMode) {
@@ -317,13 +317,13 @@ MarkdownASTStyler::selectionFragments(const Request& request, const std::vector<
 }
 
 QHash<int, double> MarkdownASTStyler::listGutters(const Request& request, const QString& text,
-                                                  const MarkdownFontSpec& font)
+                                                  const MarkdownFontDescriptor& font)
 {
     return listGutters(*request.document, 0, request.document->blocks.size(), text, font);
 }
 
 QHash<int, double> MarkdownASTStyler::listGutters(const MarkdownDocument& document, size_t first, size_t last,
-                                                  const QString& text, const MarkdownFontSpec& font)
+                                                  const QString& text, const MarkdownFontDescriptor& font)
 {
     struct Group {
         int indent = 0;
@@ -339,7 +339,7 @@ QHash<int, double> MarkdownASTStyler::listGutters(const MarkdownDocument& docume
             gutters.insert(item, stack.back().width);
         stack.pop_back();
     };
-    const MarkdownFontSpec tabular = MarkdownFont::tabularDigits(font);
+    const MarkdownFontDescriptor tabular = MarkdownFont::tabularDigits(font);
     for (size_t i = first; i < last; ++i) {
         const MarkdownBlock& block = document.blocks[i];
         const auto* item = block.as<block_kind::ListItem>();

@@ -56,7 +56,7 @@ public:
         const Request* request = nullptr;
         const MarkdownExtensionRegistry* registry = nullptr;
         const DirectiveRegistry* directives = nullptr;
-        MarkdownFontSpec bodyFont;
+        MarkdownFontDescriptor bodyFont;
         const QString* text = nullptr;
         RangePredicate showsMarkers;
         RangePredicate revealsFormula;
@@ -80,16 +80,16 @@ public:
                                                                      double pointSize);
     [[nodiscard]] static MarkdownParagraphMetrics paragraphStyle(const MarkdownBlock& block,
                                                                  const MarkdownEditorConfiguration& config,
-                                                                 const MarkdownFontSpec& bodyFont);
-    [[nodiscard]] static MarkdownFontSpec headingFont(int level, const MarkdownEditorConfiguration& config,
-                                                      const MarkdownFontSpec& bodyFont);
+                                                                 const MarkdownFontDescriptor& bodyFont);
+    [[nodiscard]] static MarkdownFontDescriptor headingFont(int level, const MarkdownEditorConfiguration& config,
+                                                      const MarkdownFontDescriptor& bodyFont);
     [[nodiscard]] static std::optional<CheckboxHit> taskCheckboxRange(const MarkdownBlock& block, const QString& text);
     [[nodiscard]] static std::optional<MarkdownSourceRange> fenceInfoRange(const MarkdownBlock& block, const QString& text);
     [[nodiscard]] static RangePredicate markerVisibility(const Request& request,
                                                          const std::vector<MarkdownSourceRange>& activeLines);
     [[nodiscard]] static RangePredicate formulaVisibility(const Request& request);
     [[nodiscard]] static QHash<int, double> listGutters(const Request& request, const QString& text,
-                                                        const MarkdownFontSpec& font);
+                                                        const MarkdownFontDescriptor& font);
     // The key of a fence's colouring: language, U+0001, then the content's location:length.
     [[nodiscard]] static QString codeKey(const MarkdownBlock& block);
     // "mermaid" and its kin name a diagram kind; absent for other languages.
@@ -102,7 +102,7 @@ public:
 
 private:
     static QHash<int, double> listGutters(const MarkdownDocument& document, size_t first, size_t last,
-                                          const QString& text, const MarkdownFontSpec& font);
+                                          const QString& text, const MarkdownFontDescriptor& font);
     static void styleQuote(const MarkdownBlock& block, MarkdownTextAttributes base, const BlockContext& context,
                            std::vector<MarkdownEditorFragment>& into);
     static void styleListItem(const MarkdownBlock& block, MarkdownTextAttributes& base,

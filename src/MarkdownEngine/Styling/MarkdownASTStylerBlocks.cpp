@@ -34,10 +34,10 @@ MarkdownSourceRange documentRange(const MarkdownBlock& block, const QString& tex
     return {r.location + p, r.length};
 }
 
-MarkdownFontSpec codeFontFor(const MarkdownEditorConfiguration& config, double size)
+MarkdownFontDescriptor codeFontFor(const MarkdownEditorConfiguration& config, double size)
 {
     if (config.codeBlock.fontName && MarkdownFont::isAvailable(*config.codeBlock.fontName))
-        return MarkdownFontSpec{*config.codeBlock.fontName, float(size)};
+        return MarkdownFontDescriptor{*config.codeBlock.fontName, float(size)};
     return MarkdownFont::monospaced(size);
 }
 
@@ -57,14 +57,14 @@ DirectiveArguments openerArguments(const MarkdownBlock& block, const QString& te
     return DirectiveArguments::parse(nameEnd < 0 ? QStringView() : rest.mid(nameEnd), syntax);
 }
 
-MarkdownFontSpec fromQFont(const QFont& font)
+MarkdownFontDescriptor fromQFont(const QFont& font)
 {
-    MarkdownFontSpec spec;
-    spec.family = font.families().isEmpty() ? font.family() : font.families().first();
-    spec.pointSize = float(font.pointSizeF() > 0 ? font.pointSizeF() : 12.0);
-    spec.weight = short(font.weight());
-    spec.italic = font.italic();
-    return spec;
+    MarkdownFontDescriptor descriptor;
+    descriptor.family = font.families().isEmpty() ? font.family() : font.families().first();
+    descriptor.pointSize = float(font.pointSizeF() > 0 ? font.pointSizeF() : 12.0);
+    descriptor.weight = short(font.weight());
+    descriptor.italic = font.italic();
+    return descriptor;
 }
 
 }
@@ -109,7 +109,7 @@ MarkdownParagraphMetrics MarkdownASTStyler::baseParagraphStyle(const MarkdownEdi
 
 MarkdownParagraphMetrics MarkdownASTStyler::paragraphStyle(const MarkdownBlock& block,
                                                            const MarkdownEditorConfiguration& config,
-                                                           const MarkdownFontSpec& bodyFont)
+                                                           const MarkdownFontDescriptor& bodyFont)
 {
     const double font = bodyFont.pointSize;
     MarkdownParagraphMetrics p = baseParagraphStyle(config, blockPointSize(block, config, font));
@@ -152,21 +152,21 @@ MarkdownParagraphMetrics MarkdownASTStyler::paragraphStyle(const MarkdownBlock& 
     return p;
 }
 
-MarkdownFontSpec MarkdownASTStyler::headingFont(int level, const MarkdownEditorConfiguration& config,
-                                                const MarkdownFontSpec& bodyFont)
+MarkdownFontDescriptor MarkdownASTStyler::headingFont(int level, const MarkdownEditorConfiguration& config,
+                                                const MarkdownFontDescriptor& bodyFont)
 {
     const double size = bodyFont.pointSize * config.headings.fontMultiplier(level);
     const int weight = config.headings.isBold ? QFont::Bold : QFont::Normal;
     if (config.headings.fontName && MarkdownFont::isAvailable(*config.headings.fontName)) {
-        MarkdownFontSpec spec{*config.headings.fontName, float(size)};
-        return config.headings.isBold ? MarkdownFont::applying(MarkdownFont::Trait::bold, spec) : spec;
+        MarkdownFontDescriptor descriptor{*config.headings.fontName, float(size)};
+        return config.headings.isBold ? MarkdownFont::applying(MarkdownFont::Trait::bold, descriptor) : descriptor;
     }
     QString family = MarkdownFont::preferredSerif().value_or(MarkdownFont::systemFamily());
     if (family.isEmpty())
         family = QStringLiteral("Charter");
     if (!MarkdownFont::isAvailable(family))
         return MarkdownFont::system(size, weight);
-    return MarkdownFont::applying(weight, MarkdownFontSpec{family, float(size)});
+    return MarkdownFont::applying(weight, MarkdownFontDescriptor{family, float(size)});
 }
 
 std::optional<MarkdownASTStyler::CheckboxHit> MarkdownASTStyler::taskCheckboxRange(const MarkdownBlock& block,
@@ -325,7 +325,7 @@ void MarkdownASTStyler::styleListItem(const MarkdownBlock& block, MarkdownTextAt
     }
     const int prefixLength = std::max(0, prefixEnd - m.markerRange.location);
     const bool revealed = context.showsMarkers(m.markerRange);
-    const MarkdownFontSpec markerFont = ordered ? MarkdownFont::tabularDigits(context.bodyFont) : context.bodyFont;
+    const MarkdownFontDescriptor markerFont = ordered ? MarkdownFont::tabularDigits(context.bodyFont) : context.bodyFont;
     const double width = markerFont.width(text.mid(m.markerRange.location, prefixLength));
     const double gutter = std::max({context.listGutters.value(block.range.location, 0.0), config.lists.indentPerLevel, width});
     const double headIndent = gutter + config.blockquote.calloutPadding * std::max(block.quoteDepth, 0)
@@ -404,7 +404,7 @@ void MarkdownASTStyler::styleFence(const MarkdownBlock& block, const MarkdownTex
         }
     }
 
-    const MarkdownFontSpec codeFont = codeFontFor(config, context.bodyFont.pointSize * config.codeBlock.fontSizeScale);
+    const MarkdownFontDescriptor codeFont = codeFontFor(config, context.bodyFont.pointSize * config.codeBlock.fontSizeScale);
     MarkdownTextAttributes code = base;
     code.setFont(codeFont);
     code.setForeground(config.theme.bodyText);
@@ -452,7 +452,7 @@ void MarkdownASTStyler::styleTable(const MarkdownBlock& block, const MarkdownTex
         base.setTableGrid();
     into.push_back(MarkdownEditorFragment::make(block.range, Role::table, base, 3));
 
-    const MarkdownFontSpec headerFont = MarkdownFont::applying(MarkdownFont::Trait::bold, context.bodyFont);
+    const MarkdownFontDescriptor headerFont = MarkdownFont::applying(MarkdownFont::Trait::bold, context.bodyFont);
     for (const auto& row : t.rows) {
         for (const MarkdownTableCell& cell : row) {
             if (cell.range.length <= 0)
@@ -525,7 +525,7 @@ void MarkdownASTStyler::styleDirective(const MarkdownBlock& block, const Markdow
                                 MarkdownInlineStyler::attributes(rendered.attributes, context.bodyFont), 8));
         }
         if (!rendered.font.isIdentity()) {
-            const MarkdownFontSpec transformed = fromQFont(rendered.font.apply(directiveContext.inheritedFont));
+            const MarkdownFontDescriptor transformed = fromQFont(rendered.font.apply(directiveContext.inheritedFont));
             if (!(transformed == context.bodyFont)) {
                 MarkdownTextAttributes a;
                 a.setFont(transformed);

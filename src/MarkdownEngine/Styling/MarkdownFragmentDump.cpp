@@ -7,7 +7,7 @@
 
 namespace velmo::markdown {
 
-QString MarkdownFragmentDump::font(const MarkdownFontSpec& f)
+QString MarkdownFragmentDump::font(const MarkdownFontDescriptor& f)
 {
     QString s = f.family + u'@' + QString::number(f.pointSize, 'f', 1);
     if (f.isBold())
@@ -30,7 +30,7 @@ QString MarkdownFragmentDump::color(QRgb argb)
 
 QString MarkdownFragmentDump::configLine(const MarkdownEditorConfiguration& config)
 {
-    const MarkdownFontSpec body = config.bodyFont();
+    const MarkdownFontDescriptor body = config.bodyFont();
     return QStringLiteral("config body=") + font(body) + QStringLiteral(" h1=")
         + font(MarkdownASTStyler::headingFont(1, config, body)) + QStringLiteral(" bodyFontName=")
         + (config.bodyFontName && !config.bodyFontName->isEmpty() ? *config.bodyFontName : QStringLiteral("(none)"))

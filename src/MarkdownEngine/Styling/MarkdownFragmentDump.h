@@ -21,7 +21,7 @@ public:
     // The config line, "fragments=" and the count, then one line per fragment; "\n" after each.
     [[nodiscard]] static QString section(const MarkdownEditorConfiguration& config,
                                          const MarkdownEditorFragmentStore& store, const QString& text);
-    [[nodiscard]] static QString font(const MarkdownFontSpec& font);
+    [[nodiscard]] static QString font(const MarkdownFontDescriptor& font);
     // "#rrggbbaa"
     [[nodiscard]] static QString color(QRgb argb);
     [[nodiscard]] static QJsonObject json(const MarkdownEditorFragment& fragment);

@@ -38,15 +38,15 @@ void markerPass(const MarkdownInline& node, Role role, const QColor& color, cons
     }
 }
 
-MarkdownFontSpec codeFont(const std::optional<QString>& name, double size)
+MarkdownFontDescriptor codeFont(const std::optional<QString>& name, double size)
 {
     if (name && MarkdownFont::isAvailable(*name))
-        return MarkdownFontSpec{*name, float(size)};
+        return MarkdownFontDescriptor{*name, float(size)};
     return MarkdownFont::monospaced(size);
 }
 
 void visitLink(const MarkdownInline& node, const ik::Link& link, const MarkdownTextAttributes& handed,
-               const MarkdownFontSpec& font, const MarkdownInlineStyler::Environment& env,
+               const MarkdownFontDescriptor& font, const MarkdownInlineStyler::Environment& env,
                std::vector<MarkdownEditorFragment>& into)
 {
     const MarkdownEditorConfiguration& config = *env.config;
@@ -88,7 +88,7 @@ void visitLink(const MarkdownInline& node, const ik::Link& link, const MarkdownT
 }
 
 void visitImage(const MarkdownInline& node, const ik::Image& image, const MarkdownTextAttributes& handed,
-                const MarkdownFontSpec& font, const MarkdownInlineStyler::Environment& env,
+                const MarkdownFontDescriptor& font, const MarkdownInlineStyler::Environment& env,
                 std::vector<MarkdownEditorFragment>& into)
 {
     const MarkdownEditorConfiguration& config = *env.config;
@@ -113,7 +113,7 @@ void visitImage(const MarkdownInline& node, const ik::Image& image, const Markdo
 }
 
 void visitLatex(const MarkdownInline& node, const ik::Latex& latex, const MarkdownTextAttributes& handed,
-                const MarkdownFontSpec& font, const MarkdownInlineStyler::Environment& env,
+                const MarkdownFontDescriptor& font, const MarkdownInlineStyler::Environment& env,
                 std::vector<MarkdownEditorFragment>& into)
 {
     const QColor ink = env.config->theme.latexInk();
@@ -138,7 +138,7 @@ void visitLatex(const MarkdownInline& node, const ik::Latex& latex, const Markdo
 
 }
 
-MarkdownTextAttributes MarkdownInlineStyler::attributes(const QTextCharFormat& format, const MarkdownFontSpec& font)
+MarkdownTextAttributes MarkdownInlineStyler::attributes(const QTextCharFormat& format, const MarkdownFontDescriptor& font)
 {
     MarkdownTextAttributes a;
     if (format.hasProperty(QTextFormat::ForegroundBrush))
@@ -154,7 +154,7 @@ MarkdownTextAttributes MarkdownInlineStyler::attributes(const QTextCharFormat& f
     const bool fontChanged = format.hasProperty(QTextFormat::FontWeight) || format.hasProperty(QTextFormat::FontItalic)
         || format.hasProperty(QTextFormat::FontPointSize) || format.hasProperty(QTextFormat::FontFamilies);
     if (fontChanged) {
-        MarkdownFontSpec f = font;
+        MarkdownFontDescriptor f = font;
         if (format.hasProperty(QTextFormat::FontWeight))
             f.weight = short(format.fontWeight());
         if (format.hasProperty(QTextFormat::FontItalic))
@@ -198,7 +198,7 @@ std::vector<MarkdownEditorFragment> MarkdownInlineStyler::fragments(const std::v
 }
 
 void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextAttributes& rootAttributes,
-                                 const MarkdownFontSpec& rootFont, const Environment& env,
+                                 const MarkdownFontDescriptor& rootFont, const Environment& env,
                                  std::vector<MarkdownEditorFragment>& into)
 {
     const MarkdownEditorConfiguration& config = *env.config;
@@ -209,12 +209,12 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
     struct Frame {
         const MarkdownInline* node;
         const MarkdownTextAttributes* attributes;
-        const MarkdownFontSpec* font;
+        const MarkdownFontDescriptor* font;
     };
     std::deque<MarkdownTextAttributes> levels;
     std::vector<Frame> stack;
     stack.push_back({&root, &rootAttributes, &rootFont});
-    auto pushChildren = [&stack](const MarkdownInline& node, const MarkdownTextAttributes* a, const MarkdownFontSpec* font) {
+    auto pushChildren = [&stack](const MarkdownInline& node, const MarkdownTextAttributes* a, const MarkdownFontDescriptor* font) {
         for (auto child = node.children.rbegin(); child != node.children.rend(); ++child)
             stack.push_back({&*child, a, font});
     };
@@ -224,7 +224,7 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
         stack.pop_back();
         const MarkdownInline& node = *frame.node;
         const MarkdownTextAttributes& handed = *frame.attributes;
-        const MarkdownFontSpec& font = *frame.font;
+        const MarkdownFontDescriptor& font = *frame.font;
 
         if (node.is<ik::Text>()) {
             into.push_back(MarkdownEditorFragment::make(node.range, Role::body, handed, 0));
@@ -244,7 +244,7 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
         } else if (const auto* emphasis = node.as<ik::Emphasis>()) {
             // The kind's raw value plus one is the trait mask: italic 1, bold 2, both 3.
             const int mask = int(emphasis->emphasis) + 1;
-            MarkdownFontSpec emphasized = font;
+            MarkdownFontDescriptor emphasized = font;
             if (mask & 1)
                 emphasized = MarkdownFont::applying(MarkdownFont::Trait::italic, emphasized);
             if (mask & 2)
@@ -292,7 +292,7 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
             visitLatex(node, *latex, handed, font, env, into);
         } else if (const auto* footnote = node.as<ik::FootnoteReference>()) {
             MarkdownTextAttributes a = handed;
-            const MarkdownFontSpec small = MarkdownFont::withSize(font, font.pointSize * 0.75);
+            const MarkdownFontDescriptor small = MarkdownFont::withSize(font, font.pointSize * 0.75);
             a.setFont(small);
             a.setBaselineOffset(small.pointSize * 0.33f);
             a.setForeground(theme.link);

@@ -23,7 +23,7 @@ public:
     struct Environment {
         const MarkdownEditorConfiguration* config = nullptr;
         const MarkdownExtensionRegistry* registry = nullptr;
-        MarkdownFontSpec baseFont;
+        MarkdownFontDescriptor baseFont;
         MarkdownTextAttributes baseAttributes;
         RangePredicate showsMarkers;
         RangePredicate revealsFormula;
@@ -35,14 +35,14 @@ public:
                                                                        const Environment& environment);
     // One node and everything under it. Walks with its own stack: nesting depth is the input's.
     static void visit(const MarkdownInline& node, const MarkdownTextAttributes& attributes,
-                      const MarkdownFontSpec& font, const Environment& environment,
+                      const MarkdownFontDescriptor& font, const Environment& environment,
                       std::vector<MarkdownEditorFragment>& into);
     // Coloured `<span style="color: …">` … `</span>` pairs among siblings, at every level.
     static void applyTextColors(const std::vector<MarkdownInline>& inlines, const Environment& environment,
                                 std::vector<MarkdownEditorFragment>& into);
 
     // Character attributes an extension gives, in the styler's terms.
-    [[nodiscard]] static MarkdownTextAttributes attributes(const QTextCharFormat& format, const MarkdownFontSpec& font);
+    [[nodiscard]] static MarkdownTextAttributes attributes(const QTextCharFormat& format, const MarkdownFontDescriptor& font);
     // A link destination as a URL where it reads as one: a scheme, "www.", or a mail address.
     [[nodiscard]] static std::optional<QString> webURL(const QString& destination);
 };

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "MarkdownEngine/Configuration/MarkdownFontSpec.h"
+#include "MarkdownEngine/Configuration/MarkdownFontDescriptor.h"
 #include "MarkdownEngine/Styling/MarkdownEditorFragmentRole.h"
 #include "MarkdownEngine/Styling/MarkdownParagraphMetrics.h"
 
@@ -47,7 +47,7 @@ struct MarkdownTextAttributes {
     int depth = 0;
     MarkdownEditorFragmentRole role = MarkdownEditorFragmentRole::body;
     bool hidden = false, tableGrid = false, fenceBox = false, taskCheckbox = false;
-    MarkdownFontSpec font;
+    MarkdownFontDescriptor font;
 
     [[nodiscard]] bool has(Key key) const { return keys & key; }
     [[nodiscard]] bool isEmpty() const { return keys == 0; }
@@ -62,7 +62,7 @@ struct MarkdownTextAttributes {
     [[nodiscard]] const QString& link() const { return extras().link; }
     [[nodiscard]] const std::shared_ptr<const MarkdownEditorAttachment>& attachment() const { return extras().attachment; }
 
-    MarkdownTextAttributes& setFont(const MarkdownFontSpec& f) { font = f; keys |= Font; return *this; }
+    MarkdownTextAttributes& setFont(const MarkdownFontDescriptor& f) { font = f; keys |= Font; return *this; }
     MarkdownTextAttributes& setForeground(const QColor& c) { foreground = c.rgba(); keys |= Foreground; return *this; }
     MarkdownTextAttributes& setBackground(const QColor& c) { background = c.rgba(); keys |= Background; return *this; }
     MarkdownTextAttributes& setUnderline(const QColor& c)

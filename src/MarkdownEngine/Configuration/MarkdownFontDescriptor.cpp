@@ -1,4 +1,4 @@
-#include "MarkdownEngine/Configuration/MarkdownFontSpec.h"
+#include "MarkdownEngine/Configuration/MarkdownFontDescriptor.h"
 
 #include <QFontMetricsF>
 #include <QHash>
@@ -6,7 +6,7 @@
 
 namespace velmo::markdown {
 
-QFont MarkdownFontSpec::toQFont() const
+QFont MarkdownFontDescriptor::toQFont() const
 {
     QFont font(family);
     font.setPointSizeF(std::max(0.1f, pointSize));
@@ -15,7 +15,7 @@ QFont MarkdownFontSpec::toQFont() const
     return font;
 }
 
-double MarkdownFontSpec::width(const QString& text) const
+double MarkdownFontDescriptor::width(const QString& text) const
 {
     // Metrics are costly to make and the styler measures the same few fonts over and over.
     // Made once and kept for the process, as the font database is: tearing metrics down after

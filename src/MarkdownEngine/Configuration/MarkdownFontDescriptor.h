@@ -7,7 +7,7 @@ namespace velmo::markdown {
 
 // A font as the styler hands it on: family, size, weight and traits, nothing platform-bound.
 // The text surface turns it into a QFont; tests and the command line read it as it stands.
-struct MarkdownFontSpec {
+struct MarkdownFontDescriptor {
     QString family;
     float pointSize = 12.0f;
     short weight = QFont::Normal; // QFont::Weight values (400 regular, 700 bold)
@@ -21,7 +21,7 @@ struct MarkdownFontSpec {
     // Width of a short string in this font, in points.
     [[nodiscard]] double width(const QString& text) const;
 
-    friend bool operator==(const MarkdownFontSpec&, const MarkdownFontSpec&) = default;
+    friend bool operator==(const MarkdownFontDescriptor&, const MarkdownFontDescriptor&) = default;
 };
 
 }
