@@ -207,6 +207,10 @@ TEST(MarkdownASTStyler, StyledTextCoversTheSourceExactly)
     const auto* marker = s->result.attributedString.runAt(int(text.indexOf("**")));
     EXPECT_TRUE(marker->attributes.hidden);
     EXPECT_EQ(marker->attributes.role, Role::emphasisMarker);
+    // Inline looks inside a list item survive the item's own fragment.
+    EXPECT_TRUE(s->result.attributedString.runAt(int(text.indexOf("b**")))->attributes.font.isBold());
+    EXPECT_FALSE(s->result.attributedString.runAt(int(text.indexOf("c`")))->attributes.font.family
+                     == s->result.attributedString.runAt(int(text.indexOf("a **")))->attributes.font.family);
 }
 
 TEST(MarkdownASTStyler, ListGuttersShareTheWidestMarker)

@@ -336,7 +336,14 @@ void MarkdownASTStyler::styleListItem(const MarkdownBlock& block, MarkdownTextAt
     // bullet is drawn in the gutter.
     p.firstLineHeadIndent = float(headIndent - (revealed ? width : 0));
     base.setParagraph(p);
-    into.push_back(MarkdownEditorFragment::make(block.range, Role::listItem, base, 2));
+    // The item's priority is there so its paragraph style outlasts those of its inlines; its
+    // font and ink would also outlast theirs and flatten every emphasis, link and code span in
+    // the item, so the item carries only what is its own. The text gets the body font and ink
+    // from its inline fragments, as in a paragraph.
+    MarkdownTextAttributes item = base;
+    item.remove(MarkdownTextAttributes::Font);
+    item.remove(MarkdownTextAttributes::Foreground);
+    into.push_back(MarkdownEditorFragment::make(block.range, Role::listItem, item, 2));
 
     if (m.markerRange.length < 1 || m.markerRange.upperBound() > text.size())
         return;
