@@ -13,29 +13,23 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "FuzzCheck.h"
+
 using namespace velmo::markdown;
 using Commands = MarkdownEditingCommands;
 
 namespace {
 
-void require(bool condition, const char* what)
-{
-    if (!condition) {
-        std::fprintf(stderr, "editing invariant broken: %s\n", what);
-        std::abort();
-    }
-}
-
 void checkEdit(const QString& text, const std::optional<Commands::Edit>& edit)
 {
     if (!edit)
         return;
-    require(edit->selection.location >= 0 && edit->selection.length >= 0, "selection negative");
-    require(edit->selection.upperBound() <= edit->text.size(), "selection past the new text");
+    fuzzCheck(edit->selection.location >= 0 && edit->selection.length >= 0, "selection negative");
+    fuzzCheck(edit->selection.upperBound() <= edit->text.size(), "selection past the new text");
     const MarkdownTextMutation& m = edit->mutation;
-    require(m.range.location >= 0 && m.range.length >= 0 && m.range.upperBound() <= text.size(),
+    fuzzCheck(m.range.location >= 0 && m.range.length >= 0 && m.range.upperBound() <= text.size(),
             "mutation outside the old text");
-    require(m.applied(text) == edit->text, "text differs outside the mutation");
+    fuzzCheck(m.applied(text) == edit->text, "text differs outside the mutation");
 }
 
 MarkdownEditorCommand commandFor(int which, int argument)

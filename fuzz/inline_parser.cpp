@@ -9,17 +9,11 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "FuzzCheck.h"
+
 using namespace velmo::markdown;
 
 namespace {
-
-void check(bool condition, const char* what)
-{
-    if (!condition) {
-        std::fprintf(stderr, "invariant broken: %s\n", what);
-        std::abort();
-    }
-}
 
 bool within(MarkdownSourceRange inner, MarkdownSourceRange outer)
 {
@@ -35,20 +29,20 @@ void checkTree(const std::vector<MarkdownInline>& top, MarkdownSourceRange range
         pending.pop_back();
         int cursor = over.location;
         for (const MarkdownInline& node : *inlines) {
-            check(node.range.location == cursor, "inlines tile their range");
-            check(node.range.length > 0, "no empty inline");
-            check(within(node.contentRange, node.range), "content inside the node");
+            fuzzCheck(node.range.location == cursor, "inlines tile their range");
+            fuzzCheck(node.range.length > 0, "no empty inline");
+            fuzzCheck(within(node.contentRange, node.range), "content inside the node");
             for (const MarkdownSourceRange marker : node.markerRanges)
-                check(marker.length > 0 && within(marker, node.range), "markers inside the node");
+                fuzzCheck(marker.length > 0 && within(marker, node.range), "markers inside the node");
             if (node.is<inline_kind::Text>())
-                check(node.contentRange == node.range && node.markerRanges.isEmpty(), "text is bare");
+                fuzzCheck(node.contentRange == node.range && node.markerRanges.isEmpty(), "text is bare");
             const bool parsesContent = node.is<inline_kind::Emphasis>() || node.is<inline_kind::Strikethrough>()
                 || node.is<inline_kind::Highlight>() || (node.is<inline_kind::Link>() && node.markerRanges.size() > 2);
             if (parsesContent || !node.children.empty())
                 pending.emplace_back(&node.children, node.contentRange);
             cursor = node.range.upperBound();
         }
-        check(cursor == over.upperBound(), "inlines end with their range");
+        fuzzCheck(cursor == over.upperBound(), "inlines end with their range");
     }
 }
 
@@ -76,11 +70,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const std::vector<MarkdownInline> inlines = InlineParser::parse(range, context);
     const MarkdownSourceRange clipped = range.intersection({0, length});
     if (clipped.length < 1) {
-        check(inlines.empty(), "nothing outside the text");
+        fuzzCheck(inlines.empty(), "nothing outside the text");
         return 0;
     }
     checkTree(inlines, clipped);
     const std::vector<MarkdownInlineNode> nodes = InlineParser::nodes(range, context);
-    check(nodes == MarkdownInlineNode::from(inlines, text), "nodes convert the same parse");
+    fuzzCheck(nodes == MarkdownInlineNode::from(inlines, text), "nodes convert the same parse");
     return 0;
 }

@@ -8,17 +8,11 @@
 #include <cstdlib>
 #include <cstdio>
 
+#include "FuzzCheck.h"
+
 using namespace velmo::markdown;
 
 namespace {
-
-void check(bool condition, const char* what)
-{
-    if (!condition) {
-        std::fprintf(stderr, "invariant broken: %s\n", what);
-        std::abort();
-    }
-}
 
 bool inside(MarkdownSourceRange r, int size)
 {
@@ -84,12 +78,12 @@ void walkInlines(const MarkdownBlock& block, int size, QString& dump)
 {
     for (const MarkdownInline& root : block.inlines) {
         root.forEach([&](const MarkdownInline& node) {
-            check(inside(node.range, size), "inline range inside the text");
-            check(inside(node.contentRange, size), "inline content inside the text");
+            fuzzCheck(inside(node.range, size), "inline range inside the text");
+            fuzzCheck(inside(node.contentRange, size), "inline content inside the text");
             for (const MarkdownSourceRange& marker : node.markerRanges)
-                check(inside(marker, size), "inline marker inside the text");
+                fuzzCheck(inside(marker, size), "inline marker inside the text");
             for (const MarkdownInline& child : node.children)
-                check(node.range.location <= child.range.location && child.range.upperBound() <= node.range.upperBound(),
+                fuzzCheck(node.range.location <= child.range.location && child.range.upperBound() <= node.range.upperBound(),
                       "child inside its parent");
             dump += QString::number(node.kind.index()) + u':' + payload(node.kind) + u' ';
             appendRange(dump, node.range);
@@ -120,14 +114,14 @@ void checkPartition(const MarkdownBlock& block, int size)
             continue;
         int cursor = clipped.location;
         while (cursor < clipped.upperBound()) {
-            check(next < block.inlines.size(), "inlines cover their range");
-            check(block.inlines[next].range.location == cursor, "inlines leave no gap and do not overlap");
-            check(block.inlines[next].range.length > 0, "top-level inlines are not empty");
+            fuzzCheck(next < block.inlines.size(), "inlines cover their range");
+            fuzzCheck(block.inlines[next].range.location == cursor, "inlines leave no gap and do not overlap");
+            fuzzCheck(block.inlines[next].range.length > 0, "top-level inlines are not empty");
             cursor = block.inlines[next++].range.upperBound();
         }
-        check(cursor == clipped.upperBound(), "inlines end with their range");
+        fuzzCheck(cursor == clipped.upperBound(), "inlines end with their range");
     }
-    check(next == block.inlines.size(), "no inline beyond the parsed ranges");
+    fuzzCheck(next == block.inlines.size(), "no inline beyond the parsed ranges");
 }
 
 QString verify(const MarkdownDocument& document)
@@ -136,13 +130,13 @@ QString verify(const MarkdownDocument& document)
     QString dump;
     int previousEnd = 0;
     for (const MarkdownBlock& block : document.blocks) {
-        check(inside(block.range, size), "block range inside the text");
-        check(inside(block.contentRange, size), "block content inside the text");
-        check(block.range.location >= previousEnd, "blocks in order without overlap");
+        fuzzCheck(inside(block.range, size), "block range inside the text");
+        fuzzCheck(inside(block.contentRange, size), "block content inside the text");
+        fuzzCheck(block.range.location >= previousEnd, "blocks in order without overlap");
         previousEnd = block.range.upperBound();
         for (const MarkdownSourceRange& marker : block.markerRanges)
-            check(inside(marker, size), "block marker inside the text");
-        check(block.children.empty(), "the tokenizer builds no children");
+            fuzzCheck(inside(marker, size), "block marker inside the text");
+        fuzzCheck(block.children.empty(), "the tokenizer builds no children");
         checkPartition(block, size);
         dump += QString::fromLatin1(blockKindName(block.kind)) + u' ';
         appendRange(dump, block.range);
@@ -168,8 +162,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
                                        : QString::fromUtf8(bytes, length);
     const MarkdownDocument first = MarkdownDocument::parse(text, options);
     const MarkdownDocument second = MarkdownDocument::parse(text, options);
-    check(verify(first) == verify(second), "the same text parses the same way twice");
-    check(first.linkDefinitions == second.linkDefinitions && first.footnoteDefinitions == second.footnoteDefinitions,
+    fuzzCheck(verify(first) == verify(second), "the same text parses the same way twice");
+    fuzzCheck(first.linkDefinitions == second.linkDefinitions && first.footnoteDefinitions == second.footnoteDefinitions,
           "the same definitions twice");
     return 0;
 }

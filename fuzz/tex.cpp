@@ -11,30 +11,26 @@
 #include <cstdlib>
 #include <memory>
 
+#include "FuzzCheck.h"
+
 using namespace velmo::math;
 
 namespace {
 
-void check(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
-
 void checkBox(const TeXBox& box)
 {
-    check(std::isfinite(box.width) && std::isfinite(box.height) && std::isfinite(box.depth));
-    check(box.width >= 0);
+    fuzzCheck(std::isfinite(box.width) && std::isfinite(box.height) && std::isfinite(box.depth), "box is finite");
+    fuzzCheck(box.width >= 0, "box width is not negative");
     for (const TeXItem& item : box.items) {
         if (const auto* group = std::get_if<TeXGroup>(&item)) {
-            check(std::isfinite(group->dx) && std::isfinite(group->dy));
+            fuzzCheck(std::isfinite(group->dx) && std::isfinite(group->dy), "group offset is finite");
             checkBox(*group->box);
         } else if (const auto* scaled = std::get_if<TeXScaled>(&item)) {
-            check(std::isfinite(scaled->scaleX) && std::isfinite(scaled->scaleY));
+            fuzzCheck(std::isfinite(scaled->scaleX) && std::isfinite(scaled->scaleY), "scale is finite");
             checkBox(*scaled->box);
         } else if (const auto* rule = std::get_if<TeXRule>(&item)) {
-            check(std::isfinite(rule->rect.x()) && std::isfinite(rule->rect.y()));
-            check(rule->rect.width() >= 0 && rule->rect.height() >= 0);
+            fuzzCheck(std::isfinite(rule->rect.x()) && std::isfinite(rule->rect.y()), "rule position is finite");
+            fuzzCheck(rule->rect.width() >= 0 && rule->rect.height() >= 0, "rule size is not negative");
         }
     }
 }
@@ -63,7 +59,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     checkBox(box);
     if ((data[0] & 4) && box.width < 400 && box.height + box.depth < 400) {
         const TeXRenderer::Picture picture = TeXRenderer::picture(box, 2, Qt::black);
-        check(!picture.image.isNull());
+        fuzzCheck(!picture.image.isNull(), "the box draws");
     }
     return 0;
 }

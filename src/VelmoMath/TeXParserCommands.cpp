@@ -215,7 +215,7 @@ std::optional<TeXParser::Handled> TeXParser::parseStructural(QStringView name)
     case Family::begin: {
         const QString environment = rawGroupText();
         if (environment == u"array")
-            (void)rawGroupText(); // the column specification
+            (void)rawGroupText(); // the column alignments, which layout does not use
         return Handled{parseEnvironmentRows(matrixKind(environment))};
     }
     case Family::end:

@@ -3,6 +3,8 @@
 #include "MarkdownEngine/Editing/MarkdownEditingCommands.h"
 
 #include <QString>
+#include <functional>
+#include <initializer_list>
 #include <gtest/gtest.h>
 #include <optional>
 #include <ostream>
@@ -62,6 +64,23 @@ inline QString outcome(const Marked& before, const std::optional<MarkdownEditing
     EXPECT_TRUE(m.range.location >= 0 && m.range.upperBound() <= before.text.size());
     EXPECT_EQ(m.applied(before.text), edit->text);
     return notation(edit->text, edit->selection);
+}
+
+// A command under test: text and selection in, an edit or nothing out.
+using EditCommand = std::function<std::optional<MarkdownEditingCommands::Edit>(const QString&, MarkdownSourceRange)>;
+
+struct EditCase {
+    const char16_t* before;
+    const char16_t* after; // u"none" when the command gives nothing
+};
+
+inline void check(const EditCommand& command, std::initializer_list<EditCase> cases)
+{
+    for (const EditCase& c : cases) {
+        const Marked before = marked(QString::fromUtf16(c.before));
+        EXPECT_EQ(outcome(before, command(before.text, before.selection)), QString::fromUtf16(c.after))
+            << "before: " << QString::fromUtf16(c.before).toStdString();
+    }
 }
 
 }

@@ -10,23 +10,10 @@ using namespace velmo::markdown;
 using namespace velmo::markdown::test;
 using Commands = MarkdownEditingCommands;
 using Edit = Commands::Edit;
-using Command = std::function<std::optional<Edit>(const QString&, MarkdownSourceRange)>;
+using Command = EditCommand;
 
 namespace {
 
-struct Case {
-    const char16_t* before;
-    const char16_t* after; // u"none" when the command gives nothing
-};
-
-void check(const Command& command, std::initializer_list<Case> cases)
-{
-    for (const Case& c : cases) {
-        const Marked before = marked(QString::fromUtf16(c.before));
-        EXPECT_EQ(outcome(before, command(before.text, before.selection)), QString::fromUtf16(c.after))
-            << "before: " << QString::fromUtf16(c.before).toStdString();
-    }
-}
 
 Command simple(editor_command::Simple which, const QString& placeholder = {})
 {

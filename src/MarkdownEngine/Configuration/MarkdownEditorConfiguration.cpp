@@ -70,8 +70,9 @@ MarkdownFontDescriptor MarkdownEditorConfiguration::bodyFont(std::optional<doubl
     return MarkdownFont::font(bodyFontDesign, points);
 }
 
-bool MarkdownEditorConfiguration::sameExtensions(const std::vector<ExtensionPointer>& a,
-                                                 const std::vector<ExtensionPointer>& b)
+// The same count, and in each position the same dynamic type and the same identifier.
+template<typename Pointer, typename Identify>
+static bool sameSequence(const std::vector<Pointer>& a, const std::vector<Pointer>& b, Identify identify)
 {
     if (a.size() != b.size())
         return false;
@@ -81,27 +82,24 @@ bool MarkdownEditorConfiguration::sameExtensions(const std::vector<ExtensionPoin
                 return false;
             continue;
         }
-        if (typeid(*a[i]) != typeid(*b[i]) || a[i]->identifier() != b[i]->identifier())
+        const auto& left = *a[i];
+        const auto& right = *b[i];
+        if (typeid(left) != typeid(right) || identify(left) != identify(right))
             return false;
     }
     return true;
 }
 
+bool MarkdownEditorConfiguration::sameExtensions(const std::vector<ExtensionPointer>& a,
+                                                 const std::vector<ExtensionPointer>& b)
+{
+    return sameSequence(a, b, [](const auto& extension) { return extension.identifier(); });
+}
+
 bool MarkdownEditorConfiguration::sameDirectives(const std::vector<DirectivePointer>& a,
                                                  const std::vector<DirectivePointer>& b)
 {
-    if (a.size() != b.size())
-        return false;
-    for (size_t i = 0; i < a.size(); ++i) {
-        if (!a[i] || !b[i]) {
-            if (a[i] != b[i])
-                return false;
-            continue;
-        }
-        if (typeid(*a[i]) != typeid(*b[i]) || a[i]->syntax().name != b[i]->syntax().name)
-            return false;
-    }
-    return true;
+    return sameSequence(a, b, [](const auto& directive) { return directive.syntax().name; });
 }
 
 bool MarkdownEditorConfiguration::hasSameStyle(const MarkdownEditorConfiguration& o) const
