@@ -297,9 +297,11 @@ TEST_F(SavingTest, autosaveWaitsForAPauseOfAtLeastHalfASecond)
 
 TEST_F(SavingTest, ourOwnWritesCauseNoRescan)
 {
+    const auto opened = state.workspace().contentGeneration();
     OpenDocument* document = openNote();
-    QThread::msleep(50);
-    QCoreApplication::processEvents();
+    // The fixture wrote the note from outside while the folder was watched: let that rescan
+    // happen first (it may not come at all when the watch started after the write).
+    (void)eventually([&] { return state.workspace().contentGeneration() != opened; }, 1500);
     const auto generation = state.workspace().contentGeneration();
     for (const char* text : {"# Note\none", "# Note\ntwo"}) {
         document->setText(text);
