@@ -1,5 +1,6 @@
 #include "CliCommand.h"
 
+#include "MarkdownEngine/Configuration/HighlighterSyntaxHighlighter.h"
 #include "MarkdownEngine/Configuration/MarkdownEditorConfiguration.h"
 #include "MarkdownEngine/Core/TextCharacters.h"
 #include "MarkdownEngine/Directives/DirectiveRegistry.h"
@@ -30,11 +31,15 @@ int runStyle(const QStringList& arguments)
 {
     std::optional<QString> path;
     std::optional<MarkdownSourceRange> selection;
-    bool raw = false, reveal = true;
+    bool raw = false, reveal = true, runs = false, highlight = false;
     for (qsizetype i = 0; i < arguments.size(); ++i) {
         const QString& argument = arguments[i];
         if (argument == QLatin1String("--raw")) {
             raw = true;
+        } else if (argument == QLatin1String("--highlight")) {
+            highlight = true;
+        } else if (argument == QLatin1String("--runs")) {
+            runs = true;
         } else if (argument == QLatin1String("--no-reveal")) {
             reveal = false;
         } else if (argument == QLatin1String("--caret") || argument == QLatin1String("--select")) {
@@ -72,6 +77,20 @@ int runStyle(const QStringList& arguments)
     request.document = &document;
     request.config = &config;
     request.attachments = &attachments;
+    // Fences coloured as the editor colours them when the setting is on.
+    QHash<QString, MarkdownStyledText> coloured;
+    if (highlight) {
+        const HighlighterSyntaxHighlighter highlighter;
+        for (const MarkdownBlock& block : document.blocks) {
+            const auto* fence = block.as<block_kind::Fence>();
+            if (!fence || block.contentRange.length <= 0)
+                continue;
+            if (auto code = highlighter.highlightedCode(text->mid(block.contentRange.location, block.contentRange.length),
+                                                        fence->language))
+                coloured.insert(MarkdownASTStyler::codeKey(block), std::move(*code));
+        }
+        request.highlightedCode = &coloured;
+    }
     if (selection) {
         const MarkdownSourceRange clamped = selection->intersection({0, int(text->size())});
         request.selection.selectedRanges = {MarkdownSourceRange{std::min<int>(selection->location, int(text->size())),
@@ -86,7 +105,14 @@ int runStyle(const QStringList& arguments)
     QJsonArray fragments;
     for (const MarkdownEditorFragment& fragment : result.fragments.fragments())
         fragments.append(MarkdownFragmentDump::json(fragment));
-    printJson(QJsonDocument(QJsonObject{{"activeLines", activeLines}, {"fragments", fragments}}));
+    QJsonObject out{{"activeLines", activeLines}, {"fragments", fragments}};
+    if (runs) {
+        QJsonArray styled;
+        for (const MarkdownStyledText::Run& run : result.attributedString.runs())
+            styled.append(MarkdownFragmentDump::json(run));
+        out.insert(QStringLiteral("runs"), styled);
+    }
+    printJson(QJsonDocument(out));
     return 0;
 }
 

@@ -22,7 +22,7 @@ constexpr Command commands[] = {
     {"tex", runTex, "tex [--display] [--size PT] [--png FILE] SOURCE"},
     {"highlight", runHighlight, "highlight LANGUAGE FILE|-"},
     {"edit", runEdit, "edit COMMAND [ARGUMENT] --select LOC,LEN FILE|-"},
-    {"style", runStyle, "style FILE|- [--caret N | --select LOC,LEN] [--raw] [--no-reveal]"},
+    {"style", runStyle, "style FILE|- [--caret N | --select LOC,LEN] [--raw] [--no-reveal] [--highlight] [--runs]"},
 };
 
 void printUsage()

@@ -61,18 +61,33 @@ QString MarkdownFragmentDump::section(const MarkdownEditorConfiguration& config,
 
 QJsonObject MarkdownFragmentDump::json(const MarkdownEditorFragment& f)
 {
-    using A = MarkdownTextAttributes;
-    const A& a = f.attributes;
     QJsonObject o;
     o.insert(QStringLiteral("range"), QJsonArray{f.range.location, f.range.length});
     o.insert(QStringLiteral("role"), rawValue(f.role));
     o.insert(QStringLiteral("hidden"), f.isHidden);
     o.insert(QStringLiteral("priority"), f.priority);
+    addAttributes(o, f.attributes);
+    return o;
+}
+
+QJsonObject MarkdownFragmentDump::json(const MarkdownStyledText::Run& run)
+{
+    QJsonObject o;
+    o.insert(QStringLiteral("range"), QJsonArray{run.range.location, run.range.length});
+    addAttributes(o, run.attributes);
+    return o;
+}
+
+void MarkdownFragmentDump::addAttributes(QJsonObject& o, const MarkdownTextAttributes& a)
+{
+    using A = MarkdownTextAttributes;
     if (a.has(A::Font)) {
         o.insert(QStringLiteral("font"), QJsonObject{{QStringLiteral("family"), a.font.family},
                                                      {QStringLiteral("size"), double(a.font.pointSize)},
                                                      {QStringLiteral("bold"), a.font.isBold()},
-                                                     {QStringLiteral("italic"), a.font.italic}});
+                                                     {QStringLiteral("italic"), a.font.italic},
+                                                     {QStringLiteral("weight"), a.font.weight},
+                                                     {QStringLiteral("tabularDigits"), a.font.tabularDigits}});
     } else {
         o.insert(QStringLiteral("font"), QJsonValue::Null);
     }
@@ -111,7 +126,6 @@ QJsonObject MarkdownFragmentDump::json(const MarkdownEditorFragment& f)
     if (a.has(A::WikiLinkID)) attributes.insert(QStringLiteral("Velmo.wikiLinkID"), a.wikiLinkID());
     if (a.has(A::Link)) attributes.insert(QStringLiteral("VelmoLink"), a.link());
     o.insert(QStringLiteral("attributes"), attributes);
-    return o;
 }
 
 }

@@ -25,6 +25,11 @@ public:
     // "#rrggbbaa"
     [[nodiscard]] static QString color(QRgb argb);
     [[nodiscard]] static QJsonObject json(const MarkdownEditorFragment& fragment);
+    [[nodiscard]] static QJsonObject json(const MarkdownStyledText::Run& run);
+
+private:
+    // "font", "foreground" and "attributes".
+    static void addAttributes(QJsonObject& into, const MarkdownTextAttributes& attributes);
 };
 
 }
