@@ -160,18 +160,27 @@ void MarkdownASTStyler::tagPass(const BlockContext& context, std::optional<Markd
                                 const std::vector<MarkdownEditorFragment>& fragments,
                                 std::vector<MarkdownEditorFragment>& into)
 {
+    tagPass(context, within, {&fragments}, into);
+}
+
+void MarkdownASTStyler::tagPass(const BlockContext& context, std::optional<MarkdownSourceRange> within,
+                                std::initializer_list<const std::vector<MarkdownEditorFragment>*> fragments,
+                                std::vector<MarkdownEditorFragment>& into)
+{
     const QString& text = *context.text;
     const MarkdownSourceRange whole{0, int(text.size())};
     const MarkdownSourceRange scope = within ? within->intersection(whole) : whole;
     if (scope.length <= 0)
         return;
     std::vector<MarkdownSourceRange> excluding;
-    for (const MarkdownEditorFragment& f : fragments) {
-        if (!excludesTags(f.role))
-            continue;
-        const MarkdownSourceRange clipped = f.range.intersection(scope);
-        if (clipped.length > 0)
-            excluding.push_back({clipped.location - scope.location, clipped.length});
+    for (const std::vector<MarkdownEditorFragment>* list : fragments) {
+        for (const MarkdownEditorFragment& f : *list) {
+            if (!excludesTags(f.role))
+                continue;
+            const MarkdownSourceRange clipped = f.range.intersection(scope);
+            if (clipped.length > 0)
+                excluding.push_back({clipped.location - scope.location, clipped.length});
+        }
     }
     const QStringView view = QStringView(text).mid(scope.location, scope.length);
     for (const MarkdownTag& tag : MarkdownTagScanner::bodyTags(view, excluding)) {
@@ -183,6 +192,69 @@ void MarkdownASTStyler::tagPass(const BlockContext& context, std::optional<Markd
         f.priority = 6;
         into.push_back(std::move(f));
     }
+}
+
+bool MarkdownASTStyler::styleInStoreOrder(const BlockContext& context, std::vector<MarkdownEditorFragment>& into)
+{
+    // The store orders by location, then priority, then the order of the whole pass: every
+    // block step, then every inline step, then the tags. Blocks are in source order and their
+    // fragments stay inside them, so each block's fragments, with the tags of the text up to
+    // the next block, are ordered on their own and appended; the note is then in store order
+    // as long as no block's first fragment ties with or precedes its predecessor's last.
+    const std::vector<MarkdownBlock>& blocks = context.request->document->blocks;
+    const int textLength = int(context.text->size());
+    struct Key {
+        int location, priority, order;
+        bool operator<(const Key& o) const
+        {
+            return location != o.location ? location < o.location
+                : priority != o.priority  ? priority < o.priority
+                                          : order < o.order;
+        }
+    };
+    std::vector<MarkdownEditorFragment> own, inlines, tags;
+    std::vector<Key> keys;
+    const size_t tiles = std::max<size_t>(blocks.size(), 1);
+    for (size_t b = 0; b < tiles; ++b) {
+        own.clear();
+        inlines.clear();
+        tags.clear();
+        if (!blocks.empty()) {
+            style(blocks[b], context, own);
+            inlinePass(blocks[b], context, inlines);
+        }
+        // The tags of the text from this block's start (the note's for the first) to the next's.
+        const int tileStart = b == 0 ? 0 : blocks[b].range.location;
+        const int tileEnd = b + 1 < blocks.size() ? blocks[b + 1].range.location : textLength;
+        tagPass(context, MarkdownSourceRange::fromBounds(tileStart, std::max(tileStart, tileEnd)), {&own, &inlines},
+                tags);
+
+        keys.clear();
+        int order = 0;
+        for (const auto* list : {&own, &inlines, &tags}) {
+            for (const MarkdownEditorFragment& f : *list)
+                keys.push_back({f.range.location, f.priority, order++});
+        }
+        if (keys.empty())
+            continue;
+        if (!std::is_sorted(keys.begin(), keys.end()))
+            std::sort(keys.begin(), keys.end());
+        if (!into.empty()) {
+            const MarkdownEditorFragment& last = into.back();
+            const Key& first = keys.front();
+            if (last.range.location > first.location
+                || (last.range.location == first.location && last.priority >= first.priority))
+                return false;
+        }
+        const int inlinesAt = int(own.size()), tagsAt = inlinesAt + int(inlines.size());
+        for (const Key& key : keys) {
+            MarkdownEditorFragment& f = key.order < inlinesAt ? own[size_t(key.order)]
+                : key.order < tagsAt                          ? inlines[size_t(key.order - inlinesAt)]
+                                                              : tags[size_t(key.order - tagsAt)];
+            into.push_back(std::move(f));
+        }
+    }
+    return true;
 }
 
 MarkdownASTStyler::Result MarkdownASTStyler::style(const Request& request)
@@ -209,13 +281,17 @@ MarkdownASTStyler::Result MarkdownASTStyler::style(const Request& request)
 
     std::vector<MarkdownEditorFragment> fragments;
     fragments.reserve(request.document->blocks.size() * 4 + size_t(text.size()) / 6);
-    for (const MarkdownBlock& block : request.document->blocks)
-        style(block, context, fragments);
-    for (const MarkdownBlock& block : request.document->blocks)
-        inlinePass(block, context, fragments);
-    std::vector<MarkdownEditorFragment> tags;
-    tagPass(context, std::nullopt, fragments, tags);
-    fragments.insert(fragments.end(), std::make_move_iterator(tags.begin()), std::make_move_iterator(tags.end()));
+    if (!styleInStoreOrder(context, fragments)) {
+        // A fragment outside its block: the whole pass in its own order, for the store to sort.
+        fragments.clear();
+        for (const MarkdownBlock& block : request.document->blocks)
+            style(block, context, fragments);
+        for (const MarkdownBlock& block : request.document->blocks)
+            inlinePass(block, context, fragments);
+        std::vector<MarkdownEditorFragment> tags;
+        tagPass(context, std::nullopt, fragments, tags);
+        fragments.insert(fragments.end(), std::make_move_iterator(tags.begin()), std::make_move_iterator(tags.end()));
+    }
 
     result.fragments = MarkdownEditorFragmentStore(std::move(fragments));
 

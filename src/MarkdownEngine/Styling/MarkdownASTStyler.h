@@ -11,6 +11,7 @@
 
 #include <QHash>
 #include <functional>
+#include <initializer_list>
 #include <optional>
 #include <vector>
 
@@ -101,6 +102,12 @@ public:
                         const std::vector<MarkdownEditorFragment>& fragments, std::vector<MarkdownEditorFragment>& into);
 
 private:
+    static void tagPass(const BlockContext& context, std::optional<MarkdownSourceRange> within,
+                        std::initializer_list<const std::vector<MarkdownEditorFragment>*> fragments,
+                        std::vector<MarkdownEditorFragment>& into);
+    // Every block's fragments and the tags, appended to `into` in the store's order; false
+    // (with `into` part filled) when the blocks' fragments do not follow one another.
+    static bool styleInStoreOrder(const BlockContext& context, std::vector<MarkdownEditorFragment>& into);
     static QHash<int, double> listGutters(const MarkdownDocument& document, size_t first, size_t last,
                                           const QString& text, const MarkdownFontDescriptor& font);
     static void styleQuote(const MarkdownBlock& block, MarkdownTextAttributes base, const BlockContext& context,

@@ -18,13 +18,21 @@ MarkdownEditorFragmentStore::MarkdownEditorFragmentStore(std::vector<MarkdownEdi
                                           : index < o.index;
         }
     };
-    std::vector<Key> keys(fragments.size());
-    for (size_t i = 0; i < fragments.size(); ++i)
-        keys[i] = {fragments[i].range.location, fragments[i].priority, int(i)};
-    std::sort(keys.begin(), keys.end());
-    m_fragments.reserve(fragments.size());
-    for (const Key& key : keys)
-        m_fragments.push_back(std::move(fragments[size_t(key.index)]));
+    const auto inOrder = [](const MarkdownEditorFragment& a, const MarkdownEditorFragment& b) {
+        return a.range.location != b.range.location ? a.range.location < b.range.location : a.priority < b.priority;
+    };
+    if (std::is_sorted(fragments.begin(), fragments.end(), inOrder)) {
+        // The styler hands its fragments over in order: the stable sort would leave them be.
+        m_fragments = std::move(fragments);
+    } else {
+        std::vector<Key> keys(fragments.size());
+        for (size_t i = 0; i < fragments.size(); ++i)
+            keys[i] = {fragments[i].range.location, fragments[i].priority, int(i)};
+        std::sort(keys.begin(), keys.end());
+        m_fragments.reserve(fragments.size());
+        for (const Key& key : keys)
+            m_fragments.push_back(std::move(fragments[size_t(key.index)]));
+    }
     for (int i = 0; i < int(m_fragments.size()); ++i) {
         const MarkdownEditorFragment& f = m_fragments[size_t(i)];
         m_longest = std::max(m_longest, f.range.length);
