@@ -1,5 +1,7 @@
-// The styler on already parsed notes: a full pass (fragments, store, styled text) on the 1 MB
-// note and on 100 KB of it, and the incremental pass of a caret move between two lines.
+// The styler on already parsed notes: a full pass (fragments and store; the styled text is
+// worked out by stretch) on the 1 MB note and on 100 KB of it, the styled text of the whole
+// note (what opening it writes) and of a few lines (what a keystroke writes), and the
+// incremental pass of a caret move between two lines.
 #include "MarkdownEngine/Core/TextCharacters.h"
 #include "MarkdownEngine/Styling/MarkdownASTStyler.h"
 #include "support/BenchData.h"
@@ -64,20 +66,46 @@ void style(benchmark::State& state, int bytes)
     const Styled& s = note(bytes);
     const auto r = request(s, caretAt(s.text, int(s.text.size() / 2)));
     const long before = peakKilobytes();
-    size_t fragments = 0, runs = 0;
+    size_t fragments = 0;
     for (auto _ : state) {
         MarkdownASTStyler::Result result = MarkdownASTStyler::style(r);
         fragments = result.fragments.fragments().size();
-        runs = result.attributedString.runs().size();
-        benchmark::DoNotOptimize(result.attributedString.runs().data());
+        benchmark::DoNotOptimize(result.fragments.fragments().data());
     }
     state.counters["fragments"] = double(fragments);
-    state.counters["runs"] = double(runs);
     state.counters["blocks"] = double(s.document.blocks.size());
     // Growth of the peak over what parsing and loading had already taken.
     state.counters["peakGrowthMB"] = double(peakKilobytes() - before) / 1024.0;
     state.counters["peakMB"] = double(peakKilobytes()) / 1024.0;
     state.SetBytesProcessed(int64_t(state.iterations()) * s.text.size() * 2);
+}
+
+// The styled text of the whole 1 MB note, from a pass already made.
+void resolveWhole(benchmark::State& state)
+{
+    const Styled& s = note(0);
+    const auto result = MarkdownASTStyler::style(request(s, caretAt(s.text, int(s.text.size() / 2))));
+    size_t runs = 0;
+    for (auto _ : state) {
+        const MarkdownStyledText styled = result.attributedString.resolved();
+        runs = styled.runs().size();
+        benchmark::DoNotOptimize(styled.runs().data());
+    }
+    state.counters["runs"] = double(runs);
+}
+
+// The styled text of the three lines around the middle of the 1 MB note.
+void resolveLines(benchmark::State& state)
+{
+    const Styled& s = note(0);
+    const int middle = int(s.text.size() / 2);
+    const auto result = MarkdownASTStyler::style(request(s, caretAt(s.text, middle)));
+    const int from = int(s.text.lastIndexOf(u'\n', s.text.lastIndexOf(u'\n', middle) - 1)) + 1;
+    const int to = int(s.text.indexOf(u'\n', s.text.indexOf(u'\n', middle) + 1)) + 1;
+    for (auto _ : state) {
+        const auto stretch = result.attributedString.stretch(MarkdownSourceRange::fromBounds(from, to));
+        benchmark::DoNotOptimize(stretch.styled.runs().data());
+    }
 }
 
 // The caret leaves one line for another: both lines are restyled.
@@ -113,6 +141,8 @@ void fragmentsOnly(benchmark::State& state)
 
 BENCHMARK_CAPTURE(style, bigNote, 0)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(style, note100KB, 100 * 1024)->Unit(benchmark::kMillisecond);
+BENCHMARK(resolveWhole)->Unit(benchmark::kMillisecond);
+BENCHMARK(resolveLines)->Unit(benchmark::kMicrosecond);
 BENCHMARK(caretMove)->Unit(benchmark::kMicrosecond);
 BENCHMARK(fragmentsOnly)->Unit(benchmark::kMillisecond);
 

@@ -108,7 +108,8 @@ int runStyle(const QStringList& arguments)
     QJsonObject out{{"activeLines", activeLines}, {"fragments", fragments}};
     if (runs) {
         QJsonArray styled;
-        for (const MarkdownStyledText::Run& run : result.attributedString.runs())
+        const MarkdownStyledText resolved = result.attributedString.resolved();
+        for (const MarkdownStyledText::Run& run : resolved.runs())
             styled.append(MarkdownFragmentDump::json(run));
         out.insert(QStringLiteral("runs"), styled);
     }

@@ -147,8 +147,9 @@ TEST(MarkdownASTStyler, MarkersHideOffTheActiveLineAndShowOnIt)
         const auto raw = styleIn(Mode::raw, construct);
         EXPECT_TRUE(raw->result.fragments.isEmpty());
         EXPECT_TRUE(raw->result.activeLines.empty());
-        ASSERT_EQ(raw->result.attributedString.runs().size(), 1u);
-        EXPECT_EQ(raw->result.attributedString.runs()[0].attributes.font.family, MarkdownFont::systemMonospaced());
+        const MarkdownStyledText rawText = raw->result.attributedString.resolved();
+        ASSERT_EQ(rawText.runs().size(), 1u);
+        EXPECT_EQ(rawText.runs()[0].attributes.font.family, MarkdownFont::systemMonospaced());
     }
 }
 
@@ -192,7 +193,8 @@ TEST(MarkdownASTStyler, StyledTextCoversTheSourceExactly)
 {
     const QString text = QStringLiteral("# Head\n\n- a **b** `c`\n\n> [!TIP]\n> x\n\n| a | b |\n|---|---|\n| 1 | 2 |\n");
     const auto s = style(text, caretWithLine(text, 0));
-    const auto& runs = s->result.attributedString.runs();
+    const MarkdownStyledText styled = s->result.attributedString.resolved();
+    const auto& runs = styled.runs();
     int at = 0;
     for (const auto& run : runs) {
         EXPECT_EQ(run.range.location, at);
@@ -201,16 +203,16 @@ TEST(MarkdownASTStyler, StyledTextCoversTheSourceExactly)
     }
     EXPECT_EQ(at, text.size());
     // Heading font wins over the paragraph; the hidden bold markers are marked in the text.
-    const auto* head = s->result.attributedString.runAt(2);
+    const auto* head = styled.runAt(2);
     EXPECT_TRUE(head->attributes.font.isBold());
     EXPECT_GT(head->attributes.font.pointSize, 20.f);
-    const auto* marker = s->result.attributedString.runAt(int(text.indexOf("**")));
+    const auto* marker = styled.runAt(int(text.indexOf("**")));
     EXPECT_TRUE(marker->attributes.hidden);
     EXPECT_EQ(marker->attributes.role, Role::emphasisMarker);
     // Inline looks inside a list item survive the item's own fragment.
-    EXPECT_TRUE(s->result.attributedString.runAt(int(text.indexOf("b**")))->attributes.font.isBold());
-    EXPECT_FALSE(s->result.attributedString.runAt(int(text.indexOf("c`")))->attributes.font.family
-                     == s->result.attributedString.runAt(int(text.indexOf("a **")))->attributes.font.family);
+    EXPECT_TRUE(styled.runAt(int(text.indexOf("b**")))->attributes.font.isBold());
+    EXPECT_FALSE(styled.runAt(int(text.indexOf("c`")))->attributes.font.family
+                 == styled.runAt(int(text.indexOf("a **")))->attributes.font.family);
 }
 
 TEST(MarkdownASTStyler, ListGuttersShareTheWidestMarker)
@@ -302,6 +304,35 @@ TEST(MarkdownASTStyler, CalloutsAndQuotedBlocks)
     EXPECT_FLOAT_EQ(code->attributes.paragraph().headIndent, float(s->config.blockquote.calloutPadding));
 }
 
+// A stretch is worked out from the fragments that reach into it: every character must come
+// out as in the whole note, whatever overlaps the stretch's edges.
+TEST(MarkdownASTStyler, StretchesMatchTheWholeNote)
+{
+    const QString text = QStringLiteral(
+        "---\ntags: [a]\n---\n# Head *it*\n\n- a **b `c` d**\n  - [x] done #tag\n\n> [!NOTE]\n> quoted "
+        "[link](https://x.org) and $x^2$\n\n```cpp\nint x;\n\nint y;\n```\n\n| a | bb |\n|---|---|\n| 111 | 2 "
+        "|\n\ntext <span style=\"color: red\">red</span> ~~s~~\n\n");
+    const auto s = style(text, caretWithLine(text, int(text.indexOf("quoted"))));
+    const MarkdownStyledText whole = s->result.attributedString.resolved();
+    std::vector<int> lineStarts{0};
+    for (int i = 0; i < text.size(); ++i) {
+        if (text.at(i) == u'\n')
+            lineStarts.push_back(i + 1);
+    }
+    for (size_t a = 0; a < lineStarts.size(); ++a) {
+        for (size_t b = a; b < std::min(lineStarts.size(), a + 3); ++b) {
+            const auto range = MarkdownSourceRange::fromBounds(lineStarts[a], b + 1 < lineStarts.size() ? lineStarts[b + 1] : int(text.size()));
+            const auto stretch = s->result.attributedString.stretch(range);
+            ASSERT_LE(stretch.offset, range.location);
+            ASSERT_GE(stretch.offset + stretch.styled.length(), range.upperBound());
+            for (int at = stretch.offset; at < stretch.offset + stretch.styled.length(); ++at) {
+                ASSERT_TRUE(stretch.styled.runAt(at - stretch.offset)->attributes == whole.runAt(at)->attributes)
+                    << "line " << a << " to " << b << ", character " << at;
+            }
+        }
+    }
+}
+
 TEST(MarkdownASTStyler, Tables)
 {
     const QString good = QStringLiteral("| a | b |\n|:--|--:|\n| 1 | 22 |\n\nend");
@@ -314,7 +345,8 @@ TEST(MarkdownASTStyler, Tables)
     EXPECT_EQ(s->one(Role::tableCell, "22")->attributes.depth, 1);
     EXPECT_FLOAT_EQ(s->at(Role::tableRule, "|:--").front()->attributes.paragraph().maximumLineHeight, 1.0f);
     // Columns line up: the narrower cell's last character is kerned.
-    const auto* one = s->result.attributedString.runAt(int(good.indexOf("| 1")) + 2);
+    const MarkdownStyledText styled = s->result.attributedString.resolved();
+    const auto* one = styled.runAt(int(good.indexOf("| 1")) + 2);
     EXPECT_TRUE(one->attributes.has(MarkdownTextAttributes::Kern));
     EXPECT_GT(one->attributes.kern, 0.f);
 
@@ -386,7 +418,8 @@ TEST(MarkdownASTStyler, FencesTakeColouringAndTags)
     request.config = &config;
     request.highlightedCode = &code;
     const auto result = MarkdownASTStyler::style(request);
-    const auto* run = result.attributedString.runAt(int(text.indexOf("int")));
+    const MarkdownStyledText styled = result.attributedString.resolved();
+    const auto* run = styled.runAt(int(text.indexOf("int")));
     EXPECT_EQ(run->attributes.foreground, QColor(Qt::red).rgba());
     EXPECT_EQ(run->attributes.font.family, MarkdownFont::systemMonospaced());
     const auto tags = result.fragments.fragments(Role::tag);
@@ -489,5 +522,5 @@ TEST(MarkdownASTStyler, HostileInputStaysLinear)
     EXPECT_LT(timer.elapsed(), 20000);
     for (const auto& f : s->result.fragments.fragments())
         ASSERT_LE(f.range.upperBound(), text.size());
-    EXPECT_EQ(s->result.attributedString.runs().back().range.upperBound(), text.size());
+    EXPECT_EQ(s->result.attributedString.resolved().runs().back().range.upperBound(), text.size());
 }

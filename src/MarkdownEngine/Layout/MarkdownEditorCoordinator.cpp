@@ -284,7 +284,7 @@ void MarkdownEditorCoordinator::apply(const MarkdownASTStyler::Result& result,
     range = range.intersection(whole);
     lastAppliedRange = range;
     if (range.length > 0 || range == whole)
-        storage.copyAttributes(result.attributedString, range);
+        copyStyled(result.attributedString, range);
     if (textView.selectedRanges() != selection && !selection.empty())
         textView.setSelectedRange(selection.front());
     if (textView.visibleOrigin() != origin)
@@ -292,6 +292,21 @@ void MarkdownEditorCoordinator::apply(const MarkdownASTStyler::Result& result,
     textView.setApplyingStyle(false);
     editorState = makeEditorState();
     trace(result.attributedString);
+}
+
+void MarkdownEditorCoordinator::copyStyled(const MarkdownStyledNote& styled, MarkdownSourceRange range)
+{
+    MarkdownTextStorage& storage = textView.textStorage();
+    if (range.location <= 0 && range.upperBound() >= styled.length()) {
+        storage.copyAttributes(styled.resolved(), range);
+        return;
+    }
+    // Only the lines written are worked out, from a character early: an empty last line takes
+    // its paragraph from the run before it.
+    const MarkdownSourceRange lines = wholeLines(styled.text(), range);
+    const MarkdownStyledNote::Stretch stretch =
+        styled.stretch(MarkdownSourceRange::fromBounds(std::max(0, lines.location - 1), lines.upperBound()));
+    storage.copyAttributes(stretch.styled, range, stretch.offset);
 }
 
 MarkdownTextAttributes MarkdownEditorCoordinator::baseAttributes() const
@@ -375,7 +390,7 @@ void MarkdownEditorCoordinator::restyleSelectionNow()
         // Column kerning needs the whole table's rows: style the note and copy the tables' lines.
         MarkdownASTStyler::Result result = MarkdownASTStyler::style(req);
         for (const MarkdownSourceRange& r : selected.ranges)
-            storage.copyAttributes(result.attributedString, alignedToTables(wholeLines(t, r)));
+            copyStyled(result.attributedString, alignedToTables(wholeLines(t, r)));
         installStore(std::move(result.fragments));
     } else {
         const MarkdownTextAttributes base = baseAttributes();
@@ -660,10 +675,10 @@ void MarkdownEditorCoordinator::traceStorage(const char* label) const
         traceRuns(label, textView.textStorage().runs());
 }
 
-void MarkdownEditorCoordinator::trace(const MarkdownStyledText& final) const
+void MarkdownEditorCoordinator::trace(const MarkdownStyledNote& final) const
 {
     if (m_traceStyle)
-        traceRuns("[trace] final   ", final.runs());
+        traceRuns("[trace] final   ", final.resolved().runs());
 }
 
 }

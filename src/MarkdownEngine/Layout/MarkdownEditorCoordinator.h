@@ -151,10 +151,12 @@ private:
     void apply(const MarkdownASTStyler::Result& result, const std::vector<MarkdownSourceRange>& activeLines,
                bool forceAllAttributes);
     void installStore(MarkdownEditorFragmentStore store);
+    // Writes the styled text over the lines `range` touches.
+    void copyStyled(const MarkdownStyledNote& styled, MarkdownSourceRange range);
     void refreshInlineSelection();
     void tellStatistics();
     void traceStorage(const char* label) const;
-    void trace(const MarkdownStyledText& final) const;
+    void trace(const MarkdownStyledNote& final) const;
     [[nodiscard]] MarkdownSourceRange alignedToTables(MarkdownSourceRange range) const;
     [[nodiscard]] MarkdownTextAttributes baseAttributes() const;
 

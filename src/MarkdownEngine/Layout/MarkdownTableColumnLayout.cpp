@@ -1,6 +1,5 @@
 #include "MarkdownEngine/Layout/MarkdownTableColumnLayout.h"
 
-#include "MarkdownEngine/Configuration/MarkdownEditorConfiguration.h"
 #include "MarkdownEngine/Core/TextCharacters.h"
 
 namespace velmo::markdown {
@@ -37,39 +36,40 @@ bool MarkdownTableColumnLayout::isWellFormed(const MarkdownTable& table, const Q
 
 namespace {
 
-double measure(const MarkdownStyledText& styled, MarkdownSourceRange range)
+// `range` is in the note; `styled` starts at `offset` in it.
+double measure(const MarkdownStyledText& styled, int offset, MarkdownSourceRange range)
 {
     double width = 0;
-    int at = range.location;
-    while (at < range.upperBound()) {
+    int at = range.location - offset;
+    const int end = range.upperBound() - offset;
+    while (at < end) {
         const MarkdownStyledText::Run* run = styled.runAt(at);
         if (!run)
             break;
-        const int end = std::min(run->range.upperBound(), range.upperBound());
+        const int runEnd = std::min(run->range.upperBound(), end);
         if (!run->attributes.hidden)
-            width += run->attributes.font.width(styled.text().mid(at, end - at));
-        at = end;
+            width += run->attributes.font.width(styled.text().mid(at, runEnd - at));
+        at = runEnd;
     }
     return width;
 }
 
 }
 
-void MarkdownTableColumnLayout::apply(MarkdownStyledText& text, const std::vector<const MarkdownTable*>& tables,
-                                      const MarkdownEditorConfiguration& config)
+void MarkdownTableColumnLayout::apply(MarkdownStyledText& text, int offset,
+                                      const std::vector<const MarkdownTable*>& tables, const QString& note)
 {
-    Q_UNUSED(config);
     std::vector<MarkdownTextAttributes> kerns;
     std::vector<MarkdownSourceRange> ranges;
     for (const MarkdownTable* table : tables) {
-        if (!isWellFormed(*table, text.text()))
+        if (!isWellFormed(*table, note))
             continue;
         std::vector<double> columns(table->alignments.size(), 0.0);
         std::vector<std::vector<double>> widths;
         for (const auto& row : table->rows) {
             auto& rowWidths = widths.emplace_back();
             for (const MarkdownTableCell& cell : row) {
-                const double w = cell.range.length > 0 ? measure(text, cell.range) : 0;
+                const double w = cell.range.length > 0 ? measure(text, offset, cell.range) : 0;
                 rowWidths.push_back(w);
                 if (size_t(cell.column) < columns.size())
                     columns[size_t(cell.column)] = std::max(columns[size_t(cell.column)], w);
@@ -84,7 +84,7 @@ void MarkdownTableColumnLayout::apply(MarkdownStyledText& text, const std::vecto
                 if (lack <= 0.01)
                     continue;
                 kerns.emplace_back().setKern(float(lack));
-                ranges.push_back({cell.range.upperBound() - 1, 1});
+                ranges.push_back({cell.range.upperBound() - 1 - offset, 1});
             }
         }
     }

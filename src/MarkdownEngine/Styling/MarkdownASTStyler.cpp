@@ -2,7 +2,6 @@
 
 #include "MarkdownEngine/Core/TextCharacters.h"
 #include "MarkdownEngine/Directives/DirectiveRegistryError.h"
-#include "MarkdownEngine/Layout/MarkdownTableColumnLayout.h"
 #include "MarkdownEngine/Parser/MarkdownTagScanner.h"
 #include "MarkdownEngine/Styling/MarkdownInlineStyler.h"
 
@@ -269,7 +268,7 @@ MarkdownASTStyler::Result MarkdownASTStyler::style(const Request& request)
         a.setFont(MarkdownFont::monospaced(bodyFont.pointSize));
         a.setForeground(config.theme.bodyText);
         a.setParagraph(baseParagraphStyle(config, bodyFont.pointSize));
-        result.attributedString = MarkdownStyledText(text, a);
+        result.attributedString = MarkdownStyledNote(text, a, {}, {});
         return result;
     }
 
@@ -302,16 +301,12 @@ MarkdownASTStyler::Result MarkdownASTStyler::style(const Request& request)
     base.setFont(bodyFont);
     base.setForeground(config.theme.bodyText);
     base.setParagraph(paragraph);
-    result.attributedString = MarkdownStyledText(text, base);
-    result.fragments.apply(result.attributedString, base);
-
-    std::vector<const MarkdownTable*> tables;
+    std::vector<MarkdownTable> tables;
     request.document->forEachBlock([&tables](const MarkdownBlock& block) {
         if (const auto* table = block.as<block_kind::Table>())
-            tables.push_back(&table->table);
+            tables.push_back(table->table);
     });
-    if (!tables.empty())
-        MarkdownTableColumnLayout::apply(result.attributedString, tables, config);
+    result.attributedString = MarkdownStyledNote(text, base, result.fragments, std::move(tables));
     return result;
 }
 

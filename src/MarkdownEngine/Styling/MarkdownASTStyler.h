@@ -7,6 +7,7 @@
 #include "MarkdownEngine/Extensions/MarkdownExtensionRegistry.h"
 #include "MarkdownEngine/Styling/MarkdownEditorAttachmentFactory.h"
 #include "MarkdownEngine/Styling/MarkdownEditorFragmentStore.h"
+#include "MarkdownEngine/Styling/MarkdownStyledNote.h"
 #include "MarkdownEngine/Styling/MarkdownStyledText.h"
 
 #include <QHash>
@@ -37,7 +38,8 @@ public:
     };
 
     struct Result {
-        MarkdownStyledText attributedString;
+        // Worked out by stretch, as the editor writes only the lines that changed.
+        MarkdownStyledNote attributedString;
         MarkdownEditorFragmentStore fragments;
         std::vector<MarkdownSourceRange> activeLines;
     };

@@ -7,78 +7,99 @@ namespace velmo::markdown {
 
 MarkdownEditorFragmentStore::MarkdownEditorFragmentStore(std::vector<MarkdownEditorFragment> fragments)
 {
-    // Sort small keys, then move each fragment once: fragments are too big to shuffle. The
-    // index makes every key unique, which keeps the order stable.
-    struct Key {
-        int location, priority, index;
-        bool operator<(const Key& o) const
-        {
-            return location != o.location ? location < o.location
-                : priority != o.priority  ? priority < o.priority
-                                          : index < o.index;
-        }
-    };
+    if (fragments.empty())
+        return;
+    auto data = std::make_shared<Data>();
+    std::vector<MarkdownEditorFragment>& ordered = data->fragments;
     const auto inOrder = [](const MarkdownEditorFragment& a, const MarkdownEditorFragment& b) {
         return a.range.location != b.range.location ? a.range.location < b.range.location : a.priority < b.priority;
     };
     if (std::is_sorted(fragments.begin(), fragments.end(), inOrder)) {
         // The styler hands its fragments over in order: the stable sort would leave them be.
-        m_fragments = std::move(fragments);
+        ordered = std::move(fragments);
     } else {
+        // Sort small keys, then move each fragment once: fragments are too big to shuffle. The
+        // index makes every key unique, which keeps the order stable.
+        struct Key {
+            int location, priority, index;
+            bool operator<(const Key& o) const
+            {
+                return location != o.location ? location < o.location
+                    : priority != o.priority  ? priority < o.priority
+                                              : index < o.index;
+            }
+        };
         std::vector<Key> keys(fragments.size());
         for (size_t i = 0; i < fragments.size(); ++i)
             keys[i] = {fragments[i].range.location, fragments[i].priority, int(i)};
         std::sort(keys.begin(), keys.end());
-        m_fragments.reserve(fragments.size());
+        ordered.reserve(fragments.size());
         for (const Key& key : keys)
-            m_fragments.push_back(std::move(fragments[size_t(key.index)]));
+            ordered.push_back(std::move(fragments[size_t(key.index)]));
     }
-    for (int i = 0; i < int(m_fragments.size()); ++i) {
-        const MarkdownEditorFragment& f = m_fragments[size_t(i)];
-        m_longest = std::max(m_longest, f.range.length);
+    std::vector<MarkdownSourceRange> hidden;
+    for (int i = 0; i < int(ordered.size()); ++i) {
+        const MarkdownEditorFragment& f = ordered[size_t(i)];
+        data->longest = std::max(data->longest, f.range.length);
         if (f.isHidden && f.range.length >= 1)
-            m_hiddenRanges.push_back(f.range);
+            hidden.push_back(f.range);
         if (isDecoration(f.role))
-            m_decorations.push_back(i);
+            data->decorations.push_back(i);
         if (isHitTarget(f.role))
-            m_hitTargets.push_back(i);
+            data->hitTargets.push_back(i);
     }
     // Already in location order, as the fragments are.
-    std::vector<MarkdownSourceRange> merged;
-    for (const MarkdownSourceRange& r : m_hiddenRanges) {
-        if (!merged.empty() && r.location <= merged.back().upperBound())
-            merged.back() = merged.back().united(r);
+    for (const MarkdownSourceRange& r : hidden) {
+        if (!data->hiddenRanges.empty() && r.location <= data->hiddenRanges.back().upperBound())
+            data->hiddenRanges.back() = data->hiddenRanges.back().united(r);
         else
-            merged.push_back(r);
+            data->hiddenRanges.push_back(r);
     }
-    m_hiddenRanges = std::move(merged);
+    m_data = std::move(data);
+}
+
+const MarkdownEditorFragmentStore::Data& MarkdownEditorFragmentStore::data() const
+{
+    static const Data none;
+    return m_data ? *m_data : none;
 }
 
 std::vector<const MarkdownEditorFragment*> MarkdownEditorFragmentStore::decorations() const
 {
+    const Data& d = data();
     std::vector<const MarkdownEditorFragment*> out;
-    out.reserve(m_decorations.size());
-    for (int i : m_decorations)
-        out.push_back(&m_fragments[size_t(i)]);
+    out.reserve(d.decorations.size());
+    for (int i : d.decorations)
+        out.push_back(&d.fragments[size_t(i)]);
     return out;
 }
 
 std::vector<const MarkdownEditorFragment*> MarkdownEditorFragmentStore::hitTargets() const
 {
+    const Data& d = data();
     std::vector<const MarkdownEditorFragment*> out;
-    out.reserve(m_hitTargets.size());
-    for (int i : m_hitTargets)
-        out.push_back(&m_fragments[size_t(i)]);
+    out.reserve(d.hitTargets.size());
+    for (int i : d.hitTargets)
+        out.push_back(&d.fragments[size_t(i)]);
     return out;
 }
 
 void MarkdownEditorFragmentStore::apply(MarkdownStyledText& text, const MarkdownTextAttributes& baseAttributes) const
 {
+    apply(text, baseAttributes, 0);
+}
+
+void MarkdownEditorFragmentStore::apply(MarkdownStyledText& text, const MarkdownTextAttributes& baseAttributes,
+                                        int offset) const
+{
     text.setAttributes(baseAttributes);
+    const std::vector<MarkdownEditorFragment>& fragments = data().fragments;
+    const MarkdownSourceRange stretch{offset, text.length()};
     // Application order: priority, then longer first, then earlier; stable. Only fragments
     // that overlap can be affected by that order, so the text is cut into regions no
     // fragment crosses and each region is ordered on its own: the same result, sorted in
-    // small pieces and applied with locality instead of hopping over the whole note.
+    // small pieces and applied with locality instead of hopping over the whole note. The
+    // order is one over the whole store, so a stretch keeps the order its fragments have there.
     struct Key {
         int priority, negativeLength, location, index;
         bool operator<(const Key& o) const
@@ -87,54 +108,70 @@ void MarkdownEditorFragmentStore::apply(MarkdownStyledText& text, const Markdown
                 < std::tie(o.priority, o.negativeLength, o.location, o.index);
         }
     };
+    const auto [first, last] = candidates(stretch);
+    // Fragments outside the stretch change none of its characters.
+    const auto counts = [&](size_t k) { return fragments[k].range.length != 0 && fragments[k].intersects(stretch); };
     std::vector<Key> keys;
     std::vector<MarkdownStyledText::Addition> additions;
-    additions.reserve(m_fragments.size());
-    size_t i = 0;
-    while (i < m_fragments.size()) {
-        int regionEnd = m_fragments[i].end();
+    additions.reserve(last - first);
+    size_t i = first;
+    while (i < last) {
+        if (!counts(i)) {
+            ++i;
+            continue;
+        }
+        int regionEnd = fragments[i].end();
         size_t j = i + 1;
-        while (j < m_fragments.size() && m_fragments[j].range.location < regionEnd) {
-            regionEnd = std::max(regionEnd, m_fragments[j].end());
-            ++j;
+        for (; j < last && fragments[j].range.location < regionEnd; ++j) {
+            if (counts(j))
+                regionEnd = std::max(regionEnd, fragments[j].end());
         }
         keys.clear();
         for (size_t k = i; k < j; ++k) {
-            const MarkdownEditorFragment& f = m_fragments[k];
-            if (f.range.length != 0)
-                keys.push_back({f.priority, -f.range.length, f.range.location, int(k)});
+            if (counts(k))
+                keys.push_back({fragments[k].priority, -fragments[k].range.length, fragments[k].range.location, int(k)});
         }
         std::sort(keys.begin(), keys.end());
         // Velmo.role and Velmo.hidden go on after each fragment's own attributes, then its
         // replacement attributes, if any.
         for (const Key& key : keys) {
-            const MarkdownEditorFragment& f = m_fragments[size_t(key.index)];
-            additions.push_back({f.range, &f.attributes, nullptr, true, f.isHidden, f.role});
+            const MarkdownEditorFragment& f = fragments[size_t(key.index)];
+            const MarkdownSourceRange range{f.range.location - offset, f.range.length};
+            additions.push_back({range, &f.attributes, nullptr, true, f.isHidden, f.role});
             if (f.replacementAttributes)
-                additions.push_back({f.range, f.replacementAttributes.get()});
+                additions.push_back({range, f.replacementAttributes.get()});
         }
         i = j;
     }
     text.add(additions);
 }
 
+std::pair<size_t, size_t> MarkdownEditorFragmentStore::candidates(MarkdownSourceRange in) const
+{
+    const std::vector<MarkdownEditorFragment>& fragments = data().fragments;
+    const auto before = [](const MarkdownEditorFragment& f, int at) { return f.range.location < at; };
+    // Nothing starting before in.location - longest can reach into the range.
+    const auto first = std::lower_bound(fragments.begin(), fragments.end(), in.location - data().longest, before);
+    const auto last = std::lower_bound(first, fragments.end(), in.upperBound(), before);
+    return {size_t(first - fragments.begin()), size_t(last - fragments.begin())};
+}
+
 bool MarkdownEditorFragmentStore::isHidden(int location) const
 {
-    auto it = std::upper_bound(m_hiddenRanges.begin(), m_hiddenRanges.end(), location,
+    const std::vector<MarkdownSourceRange>& hidden = data().hiddenRanges;
+    auto it = std::upper_bound(hidden.begin(), hidden.end(), location,
                                [](int at, const MarkdownSourceRange& r) { return at < r.location; });
-    return it != m_hiddenRanges.begin() && (it - 1)->contains(location);
+    return it != hidden.begin() && (it - 1)->contains(location);
 }
 
 std::vector<const MarkdownEditorFragment*> MarkdownEditorFragmentStore::fragments(MarkdownSourceRange in) const
 {
+    const std::vector<MarkdownEditorFragment>& all = fragments();
     std::vector<const MarkdownEditorFragment*> out;
-    // Nothing starting before in.location - longest can reach into the range.
-    const int from = in.location - m_longest;
-    auto it = std::lower_bound(m_fragments.begin(), m_fragments.end(), from,
-                               [](const MarkdownEditorFragment& f, int at) { return f.range.location < at; });
-    for (; it != m_fragments.end() && it->range.location < in.upperBound(); ++it) {
-        if (it->intersects(in))
-            out.push_back(&*it);
+    const auto [first, last] = candidates(in);
+    for (size_t i = first; i < last; ++i) {
+        if (all[i].intersects(in))
+            out.push_back(&all[i]);
     }
     return out;
 }
@@ -142,7 +179,7 @@ std::vector<const MarkdownEditorFragment*> MarkdownEditorFragmentStore::fragment
 std::vector<const MarkdownEditorFragment*> MarkdownEditorFragmentStore::fragments(MarkdownEditorFragmentRole role) const
 {
     std::vector<const MarkdownEditorFragment*> out;
-    for (const MarkdownEditorFragment& f : m_fragments) {
+    for (const MarkdownEditorFragment& f : fragments()) {
         if (f.role == role)
             out.push_back(&f);
     }
@@ -151,19 +188,21 @@ std::vector<const MarkdownEditorFragment*> MarkdownEditorFragmentStore::fragment
 
 std::vector<const MarkdownEditorFragment*> MarkdownEditorFragmentStore::decorations(MarkdownSourceRange in) const
 {
+    const Data& d = data();
     std::vector<const MarkdownEditorFragment*> out;
-    for (int i : m_decorations) {
-        if (m_fragments[size_t(i)].intersects(in))
-            out.push_back(&m_fragments[size_t(i)]);
+    for (int i : d.decorations) {
+        if (d.fragments[size_t(i)].intersects(in))
+            out.push_back(&d.fragments[size_t(i)]);
     }
     return out;
 }
 
 const MarkdownEditorFragment* MarkdownEditorFragmentStore::hitTarget(int location) const
 {
+    const Data& d = data();
     const MarkdownEditorFragment* best = nullptr;
-    for (int i : m_hitTargets) {
-        const MarkdownEditorFragment& f = m_fragments[size_t(i)];
+    for (int i : d.hitTargets) {
+        const MarkdownEditorFragment& f = d.fragments[size_t(i)];
         if (f.range.location > location)
             break;
         if (f.contains(location) && (!best || f.range.length < best->range.length))
@@ -174,7 +213,7 @@ const MarkdownEditorFragment* MarkdownEditorFragmentStore::hitTarget(int locatio
 
 const MarkdownEditorFragment* MarkdownEditorFragmentStore::fragment(int location, MarkdownEditorFragmentRole role) const
 {
-    for (const MarkdownEditorFragment& f : m_fragments) {
+    for (const MarkdownEditorFragment& f : fragments()) {
         if (f.range.location > location)
             break;
         if (f.role == role && f.contains(location))
@@ -186,7 +225,7 @@ const MarkdownEditorFragment* MarkdownEditorFragmentStore::fragment(int location
 std::set<MarkdownEditorFragmentRole> MarkdownEditorFragmentStore::roles() const
 {
     std::set<MarkdownEditorFragmentRole> out;
-    for (const MarkdownEditorFragment& f : m_fragments)
+    for (const MarkdownEditorFragment& f : fragments())
         out.insert(f.role);
     return out;
 }

@@ -3,12 +3,15 @@
 #include "MarkdownEngine/Styling/MarkdownEditorFragment.h"
 #include "MarkdownEngine/Styling/MarkdownStyledText.h"
 
+#include <memory>
 #include <set>
+#include <utility>
 #include <vector>
 
 namespace velmo::markdown {
 
-// The styler's fragments with the lists the text view consults. A value; built once per pass.
+// The styler's fragments with the lists the text view consults. A value built once per pass and
+// never changed after, so copies share one body: handing the store on costs a pointer.
 class MarkdownEditorFragmentStore {
 public:
     MarkdownEditorFragmentStore() = default;
@@ -16,16 +19,19 @@ public:
     [[nodiscard]] static MarkdownEditorFragmentStore empty() { return {}; }
 
     // By location, then priority; stable.
-    const std::vector<MarkdownEditorFragment>& fragments() const { return m_fragments; }
+    const std::vector<MarkdownEditorFragment>& fragments() const { return data().fragments; }
     // Hidden ranges of positive length, coalesced where they touch or overlap.
-    const std::vector<MarkdownSourceRange>& hiddenRanges() const { return m_hiddenRanges; }
+    const std::vector<MarkdownSourceRange>& hiddenRanges() const { return data().hiddenRanges; }
     // Indices into fragments(), in order.
     [[nodiscard]] std::vector<const MarkdownEditorFragment*> decorations() const;
     [[nodiscard]] std::vector<const MarkdownEditorFragment*> hitTargets() const;
-    [[nodiscard]] bool isEmpty() const { return m_fragments.empty(); }
+    [[nodiscard]] bool isEmpty() const { return fragments().empty(); }
 
     // Lays `baseAttributes` over the whole text, then every fragment by priority.
     void apply(MarkdownStyledText& text, const MarkdownTextAttributes& baseAttributes) const;
+    // The same for `text` standing for the stretch of the note from `offset` on: each of its
+    // characters ends up as it would in the whole note's styled text.
+    void apply(MarkdownStyledText& text, const MarkdownTextAttributes& baseAttributes, int offset) const;
 
     [[nodiscard]] bool isHidden(int location) const;
     [[nodiscard]] std::vector<const MarkdownEditorFragment*> fragments(MarkdownSourceRange in) const;
@@ -36,11 +42,18 @@ public:
     [[nodiscard]] std::set<MarkdownEditorFragmentRole> roles() const;
 
 private:
-    std::vector<MarkdownEditorFragment> m_fragments;
-    std::vector<MarkdownSourceRange> m_hiddenRanges;
-    std::vector<int> m_decorations, m_hitTargets;
-    // The longest fragment: bounds the backward reach of a range query.
-    int m_longest = 0;
+    struct Data {
+        std::vector<MarkdownEditorFragment> fragments;
+        std::vector<MarkdownSourceRange> hiddenRanges;
+        std::vector<int> decorations, hitTargets;
+        // The longest fragment: bounds the backward reach of a range query.
+        int longest = 0;
+    };
+    [[nodiscard]] const Data& data() const;
+    // Indices of the fragments that overlap `in`, in order.
+    [[nodiscard]] std::pair<size_t, size_t> candidates(MarkdownSourceRange in) const;
+
+    std::shared_ptr<const Data> m_data; // null when empty
 };
 
 }
