@@ -132,6 +132,16 @@ MarkdownASTStyler::BlockContext MarkdownASTStyler::makeContext(const Request& re
     context.showsMarkers = markerVisibility(request, activeLines);
     context.revealsFormula = formulaVisibility(request);
     context.attachments = request.attachments;
+    MarkdownInlineStyler::Environment& env = context.inlines;
+    env.config = request.config;
+    env.registry = &registry;
+    env.baseFont = context.bodyFont;
+    env.baseAttributes.setFont(context.bodyFont);
+    env.baseAttributes.setForeground(request.config->theme.bodyText);
+    env.showsMarkers = context.showsMarkers;
+    env.revealsFormula = context.revealsFormula;
+    env.attachments = request.attachments;
+    env.maximumEmbedWidth = request.maximumEmbedWidth;
     return context;
 }
 
@@ -140,16 +150,7 @@ void MarkdownASTStyler::inlinePass(const MarkdownBlock& block, const BlockContex
 {
     if (block.inlines.empty())
         return;
-    MarkdownInlineStyler::Environment env;
-    env.config = context.request->config;
-    env.registry = context.registry;
-    env.baseFont = context.bodyFont;
-    env.baseAttributes.setFont(context.bodyFont);
-    env.baseAttributes.setForeground(context.request->config->theme.bodyText);
-    env.showsMarkers = context.showsMarkers;
-    env.revealsFormula = context.revealsFormula;
-    env.attachments = context.attachments;
-    env.maximumEmbedWidth = context.request->maximumEmbedWidth;
+    const MarkdownInlineStyler::Environment& env = context.inlines;
     for (const MarkdownInline& node : block.inlines)
         MarkdownInlineStyler::visit(node, env.baseAttributes, env.baseFont, env, into);
     MarkdownInlineStyler::applyTextColors(block.inlines, env, into);

@@ -7,6 +7,7 @@
 #include "MarkdownEngine/Extensions/MarkdownExtensionRegistry.h"
 #include "MarkdownEngine/Styling/MarkdownEditorAttachmentFactory.h"
 #include "MarkdownEngine/Styling/MarkdownEditorFragmentStore.h"
+#include "MarkdownEngine/Styling/MarkdownInlineStyler.h"
 #include "MarkdownEngine/Styling/MarkdownStyledNote.h"
 #include "MarkdownEngine/Styling/MarkdownStyledText.h"
 
@@ -65,6 +66,7 @@ public:
         RangePredicate revealsFormula;
         MarkdownEditorAttachmentFactory* attachments = nullptr;
         QHash<int, double> listGutters; // block location to gutter width
+        MarkdownInlineStyler::Environment inlines; // the same for every block
 
         [[nodiscard]] MarkdownTextAttributes base(const MarkdownParagraphMetrics& paragraph) const;
     };

@@ -4,9 +4,11 @@
 #include "MarkdownEngine/Core/TextCharacters.h"
 
 #include <QFontDatabase>
+#include <QHash>
+#include <QMutex>
 #include <QRegularExpression>
 #include <QUrl>
-#include <deque>
+#include <forward_list>
 
 namespace velmo::markdown {
 
@@ -15,6 +17,22 @@ namespace {
 using Role = MarkdownEditorFragmentRole;
 namespace ik = inline_kind;
 
+
+// A scheme and its colon: a letter, then letters, digits, "+", "." or "-".
+bool hasScheme(QStringView s)
+{
+    const auto isLetter = [](char16_t c) { return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z'); };
+    if (s.isEmpty() || !isLetter(s[0].unicode()))
+        return false;
+    for (qsizetype i = 1; i < s.size(); ++i) {
+        const char16_t c = s[i].unicode();
+        if (c == u':')
+            return true;
+        if (!isLetter(c) && !(c >= u'0' && c <= u'9') && c != u'+' && c != u'.' && c != u'-')
+            return false;
+    }
+    return false;
+}
 
 QColor withAlpha(QColor c, double alpha)
 {
@@ -175,17 +193,31 @@ std::optional<QString> MarkdownInlineStyler::webURL(const QString& destination)
 {
     if (destination.isEmpty() || destination.contains(u' '))
         return std::nullopt;
-    static const QRegularExpression scheme(QStringLiteral("^[A-Za-z][A-Za-z0-9+.-]*:"));
-    static const QRegularExpression mail(QStringLiteral("^[^@/:\\s]+@[^@/:\\s]+\\.[^@/:\\s]+$"));
-    if (scheme.match(destination).hasMatch()) {
-        const QUrl url(destination);
-        return url.isValid() ? std::optional(url.toString()) : std::nullopt;
+    // Reading a URL costs microseconds, and a note links to the same places again and again.
+    static QMutex mutex;
+    static auto* const known = new QHash<QString, std::optional<QString>>();
+    constexpr qsizetype destinationsKept = 4096;
+    {
+        QMutexLocker lock(&mutex);
+        if (const auto it = known->constFind(destination); it != known->constEnd())
+            return *it;
     }
-    if (destination.startsWith(QLatin1String("www."), Qt::CaseInsensitive))
-        return QStringLiteral("https://") + destination;
-    if (mail.match(destination).hasMatch())
-        return QStringLiteral("mailto:") + destination;
-    return std::nullopt;
+    std::optional<QString> url;
+    static const QRegularExpression mail(QStringLiteral("^[^@/:\\s]+@[^@/:\\s]+\\.[^@/:\\s]+$"));
+    if (hasScheme(destination)) {
+        const QUrl parsed(destination);
+        if (parsed.isValid())
+            url = parsed.toString();
+    } else if (destination.startsWith(QLatin1String("www."), Qt::CaseInsensitive)) {
+        url = QStringLiteral("https://") + destination;
+    } else if (mail.match(destination).hasMatch()) {
+        url = QStringLiteral("mailto:") + destination;
+    }
+    QMutexLocker lock(&mutex);
+    if (known->size() >= destinationsKept)
+        known->clear();
+    known->insert(destination, url);
+    return url;
 }
 
 std::vector<MarkdownEditorFragment> MarkdownInlineStyler::fragments(const std::vector<MarkdownInline>& inlines,
@@ -205,23 +237,21 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
     const MarkdownEditorTheme& theme = config.theme;
     // Each frame hands its attributes and font down to the children it pushes. Attribute sets
     // are shared by the siblings of a level, so a deep chain costs one set per level.
-    // The deque keeps each level's set in place while its subtree is walked.
+    // The list keeps each level's set in place while its subtree is walked.
     struct Frame {
         const MarkdownInline* node;
         const MarkdownTextAttributes* attributes;
         const MarkdownFontDescriptor* font;
     };
-    std::deque<MarkdownTextAttributes> levels;
+    // Most nodes are plain text without children: neither container allocates for them.
+    std::forward_list<MarkdownTextAttributes> levels;
     std::vector<Frame> stack;
-    stack.push_back({&root, &rootAttributes, &rootFont});
     auto pushChildren = [&stack](const MarkdownInline& node, const MarkdownTextAttributes* a, const MarkdownFontDescriptor* font) {
         for (auto child = node.children.rbegin(); child != node.children.rend(); ++child)
             stack.push_back({&*child, a, font});
     };
 
-    while (!stack.empty()) {
-        const Frame frame = stack.back();
-        stack.pop_back();
+    for (Frame frame{&root, &rootAttributes, &rootFont};; frame = stack.back(), stack.pop_back()) {
         const MarkdownInline& node = *frame.node;
         const MarkdownTextAttributes& handed = *frame.attributes;
         const MarkdownFontDescriptor& font = *frame.font;
@@ -249,14 +279,14 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
                 emphasized = MarkdownFont::applying(MarkdownFont::Trait::italic, emphasized);
             if (mask & 2)
                 emphasized = MarkdownFont::applying(MarkdownFont::Trait::bold, emphasized);
-            MarkdownTextAttributes* a = &levels.emplace_back(handed);
+            MarkdownTextAttributes* a = &levels.emplace_front(handed);
             a->setFont(emphasized);
             into.push_back(MarkdownEditorFragment::make(node.contentRange, Role::body, *a, 0));
             markerPass(node, Role::emphasisMarker, theme.marker, env, into);
             pushChildren(node, a, frame.font);
         } else if (node.is<ik::Strikethrough>() || node.is<ik::Highlight>()) {
             const bool strike = node.is<ik::Strikethrough>();
-            MarkdownTextAttributes* a = &levels.emplace_back(handed);
+            MarkdownTextAttributes* a = &levels.emplace_front(handed);
             auto extension = env.registry ? env.registry->extension(strike ? QStringLiteral("strikethrough")
                                                                            : QStringLiteral("highlight"))
                                           : nullptr;
@@ -270,7 +300,7 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
             markerPass(node, Role::emphasisMarker, theme.marker, env, into);
             pushChildren(node, a, frame.font);
         } else if (const auto* span = node.as<ik::ExtensionSpan>()) {
-            MarkdownTextAttributes* a = &levels.emplace_back(handed);
+            MarkdownTextAttributes* a = &levels.emplace_front(handed);
             if (auto extension = env.registry ? env.registry->extension(span->name) : nullptr)
                 a->merge(attributes(extension->contentAttributes(font.toQFont()), font));
             into.push_back(MarkdownEditorFragment::make(node.contentRange, Role::directiveBody, *a, 0));
@@ -307,6 +337,8 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
         } else { // soft and hard breaks
             into.push_back(MarkdownEditorFragment::make(node.range, Role::body, {}, 0));
         }
+        if (stack.empty())
+            break;
     }
 }
 
