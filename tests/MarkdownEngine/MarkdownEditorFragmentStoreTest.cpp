@@ -100,3 +100,29 @@ TEST(MarkdownEditorFragmentStore, ApplyOrderAndClipping)
     for (int i = 0; i < 10; ++i)
         EXPECT_EQ(chained.runAt(i)->attributes.foreground, expected[i]) << i;
 }
+
+// Fragments handed over one by one make the store the sorting constructor makes, in order or not.
+TEST(MarkdownEditorFragmentStore, BuilderMatchesTheSortingStore)
+{
+    const std::vector<std::vector<MarkdownEditorFragment>> cases{
+        {fragment(0, 20, Role::paragraph, 0), fragment(0, 2, Role::headingMarker, 31, true),
+         fragment(2, 3, Role::emphasisMarker, 30, true), fragment(5, 1, Role::escapeMarker, 30, true),
+         fragment(10, 5, Role::link, 0), fragment(12, 2, Role::tag, 6)},
+        {fragment(10, 5, Role::link, 0), fragment(0, 20, Role::blockquote, 2),
+         fragment(0, 2, Role::blockquoteMarker, 31, true), fragment(2, 3, Role::emphasisMarker, 30, true)},
+        {fragment(0, 4, Role::body, 5), fragment(0, 4, Role::body, 1), fragment(9, 1, Role::tag, 6, true)},
+        {},
+    };
+    for (size_t c = 0; c < cases.size(); ++c) {
+        MarkdownEditorFragmentStore::Builder builder;
+        for (MarkdownEditorFragment f : cases[c])
+            builder.append(std::move(f));
+        const MarkdownEditorFragmentStore built = std::move(builder).finish();
+        const MarkdownEditorFragmentStore sorted(cases[c]);
+        EXPECT_EQ(built.fragments(), sorted.fragments()) << c;
+        EXPECT_EQ(built.hiddenRanges(), sorted.hiddenRanges()) << c;
+        EXPECT_EQ(built.decorations().size(), sorted.decorations().size()) << c;
+        EXPECT_EQ(built.hitTargets().size(), sorted.hitTargets().size()) << c;
+        EXPECT_EQ(built.fragments(MarkdownSourceRange{3, 8}).size(), sorted.fragments(MarkdownSourceRange{3, 8}).size()) << c;
+    }
+}

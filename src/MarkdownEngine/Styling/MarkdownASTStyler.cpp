@@ -194,7 +194,7 @@ void MarkdownASTStyler::tagPass(const BlockContext& context, std::optional<Markd
     }
 }
 
-bool MarkdownASTStyler::styleInStoreOrder(const BlockContext& context, std::vector<MarkdownEditorFragment>& into)
+bool MarkdownASTStyler::styleInStoreOrder(const BlockContext& context, MarkdownEditorFragmentStore::Builder& into)
 {
     // The store orders by location, then priority, then the order of the whole pass: every
     // block step, then every inline step, then the tags. Blocks are in source order and their
@@ -239,11 +239,10 @@ bool MarkdownASTStyler::styleInStoreOrder(const BlockContext& context, std::vect
             continue;
         if (!std::is_sorted(keys.begin(), keys.end()))
             std::sort(keys.begin(), keys.end());
-        if (!into.empty()) {
-            const MarkdownEditorFragment& last = into.back();
+        if (const MarkdownEditorFragment* last = into.back()) {
             const Key& first = keys.front();
-            if (last.range.location > first.location
-                || (last.range.location == first.location && last.priority >= first.priority))
+            if (last->range.location > first.location
+                || (last->range.location == first.location && last->priority >= first.priority))
                 return false;
         }
         const int inlinesAt = int(own.size()), tagsAt = inlinesAt + int(inlines.size());
@@ -251,7 +250,7 @@ bool MarkdownASTStyler::styleInStoreOrder(const BlockContext& context, std::vect
             MarkdownEditorFragment& f = key.order < inlinesAt ? own[size_t(key.order)]
                 : key.order < tagsAt                          ? inlines[size_t(key.order - inlinesAt)]
                                                               : tags[size_t(key.order - tagsAt)];
-            into.push_back(std::move(f));
+            into.append(std::move(f));
         }
     }
     return true;
@@ -279,11 +278,12 @@ MarkdownASTStyler::Result MarkdownASTStyler::style(const Request& request)
     BlockContext context = makeContext(request, result.activeLines, registry, directives);
     context.listGutters = listGutters(request, text, bodyFont);
 
-    std::vector<MarkdownEditorFragment> fragments;
-    fragments.reserve(request.document->blocks.size() * 4 + size_t(text.size()) / 6);
-    if (!styleInStoreOrder(context, fragments)) {
+    MarkdownEditorFragmentStore::Builder builder(request.document->blocks.size() * 4 + size_t(text.size()) / 6);
+    if (styleInStoreOrder(context, builder)) {
+        result.fragments = std::move(builder).finish();
+    } else {
         // A fragment outside its block: the whole pass in its own order, for the store to sort.
-        fragments.clear();
+        std::vector<MarkdownEditorFragment> fragments;
         for (const MarkdownBlock& block : request.document->blocks)
             style(block, context, fragments);
         for (const MarkdownBlock& block : request.document->blocks)
@@ -291,9 +291,8 @@ MarkdownASTStyler::Result MarkdownASTStyler::style(const Request& request)
         std::vector<MarkdownEditorFragment> tags;
         tagPass(context, std::nullopt, fragments, tags);
         fragments.insert(fragments.end(), std::make_move_iterator(tags.begin()), std::make_move_iterator(tags.end()));
+        result.fragments = MarkdownEditorFragmentStore(std::move(fragments));
     }
-
-    result.fragments = MarkdownEditorFragmentStore(std::move(fragments));
 
     MarkdownParagraphMetrics paragraph = baseParagraphStyle(config, bodyFont.pointSize);
     if (config.paragraph.blankLineFactor >= 0 && config.paragraph.blankLineFactor < 1)

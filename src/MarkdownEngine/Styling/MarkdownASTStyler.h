@@ -111,7 +111,7 @@ private:
                         std::vector<MarkdownEditorFragment>& into);
     // Every block's fragments and the tags, appended to `into` in the store's order; false
     // (with `into` part filled) when the blocks' fragments do not follow one another.
-    static bool styleInStoreOrder(const BlockContext& context, std::vector<MarkdownEditorFragment>& into);
+    static bool styleInStoreOrder(const BlockContext& context, MarkdownEditorFragmentStore::Builder& into);
     static QHash<int, double> listGutters(const MarkdownDocument& document, size_t first, size_t last,
                                           const QString& text, const MarkdownFontDescriptor& font);
     static void styleQuote(const MarkdownBlock& block, MarkdownTextAttributes base, const BlockContext& context,

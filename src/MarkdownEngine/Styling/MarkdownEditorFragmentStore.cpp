@@ -37,25 +37,61 @@ MarkdownEditorFragmentStore::MarkdownEditorFragmentStore(std::vector<MarkdownEdi
         for (const Key& key : keys)
             ordered.push_back(std::move(fragments[size_t(key.index)]));
     }
-    std::vector<MarkdownSourceRange> hidden;
-    for (int i = 0; i < int(ordered.size()); ++i) {
-        const MarkdownEditorFragment& f = ordered[size_t(i)];
-        data->longest = std::max(data->longest, f.range.length);
-        if (f.isHidden && f.range.length >= 1)
-            hidden.push_back(f.range);
-        if (isDecoration(f.role))
-            data->decorations.push_back(i);
-        if (isHitTarget(f.role))
-            data->hitTargets.push_back(i);
-    }
-    // Already in location order, as the fragments are.
-    for (const MarkdownSourceRange& r : hidden) {
-        if (!data->hiddenRanges.empty() && r.location <= data->hiddenRanges.back().upperBound())
-            data->hiddenRanges.back() = data->hiddenRanges.back().united(r);
-        else
-            data->hiddenRanges.push_back(r);
-    }
+    for (int i = 0; i < int(ordered.size()); ++i)
+        data->list(i);
     m_data = std::move(data);
+}
+
+void MarkdownEditorFragmentStore::Data::list(int i)
+{
+    const MarkdownEditorFragment& f = fragments[size_t(i)];
+    longest = std::max(longest, f.range.length);
+    // In location order, so a hidden range can only join the last.
+    if (f.isHidden && f.range.length >= 1) {
+        if (!hiddenRanges.empty() && f.range.location <= hiddenRanges.back().upperBound())
+            hiddenRanges.back() = hiddenRanges.back().united(f.range);
+        else
+            hiddenRanges.push_back(f.range);
+    }
+    if (isDecoration(f.role))
+        decorations.push_back(i);
+    if (isHitTarget(f.role))
+        hitTargets.push_back(i);
+}
+
+MarkdownEditorFragmentStore::Builder::Builder(size_t expected)
+    : m_data(std::make_shared<Data>())
+{
+    m_data->fragments.reserve(expected);
+}
+
+void MarkdownEditorFragmentStore::Builder::append(MarkdownEditorFragment&& fragment)
+{
+    std::vector<MarkdownEditorFragment>& fragments = m_data->fragments;
+    if (!fragments.empty()) {
+        const MarkdownEditorFragment& last = fragments.back();
+        if (fragment.range.location < last.range.location
+            || (fragment.range.location == last.range.location && fragment.priority < last.priority))
+            m_inOrder = false;
+    }
+    fragments.push_back(std::move(fragment));
+    if (m_inOrder)
+        m_data->list(int(fragments.size()) - 1);
+}
+
+const MarkdownEditorFragment* MarkdownEditorFragmentStore::Builder::back() const
+{
+    return m_data->fragments.empty() ? nullptr : &m_data->fragments.back();
+}
+
+MarkdownEditorFragmentStore MarkdownEditorFragmentStore::Builder::finish() &&
+{
+    if (!m_inOrder)
+        return MarkdownEditorFragmentStore(std::move(m_data->fragments));
+    MarkdownEditorFragmentStore store;
+    if (!m_data->fragments.empty())
+        store.m_data = std::move(m_data);
+    return store;
 }
 
 const MarkdownEditorFragmentStore::Data& MarkdownEditorFragmentStore::data() const

@@ -13,9 +13,26 @@ namespace velmo::markdown {
 // The styler's fragments with the lists the text view consults. A value built once per pass and
 // never changed after, so copies share one body: handing the store on costs a pointer.
 class MarkdownEditorFragmentStore {
+    struct Data;
+
 public:
     MarkdownEditorFragmentStore() = default;
     explicit MarkdownEditorFragmentStore(std::vector<MarkdownEditorFragment> fragments);
+
+    // Takes fragments one at a time and makes the lists while each is at hand. Fragments
+    // given in store order stay where they are put; any others are sorted at the end.
+    class Builder {
+    public:
+        explicit Builder(size_t expected = 0);
+        void append(MarkdownEditorFragment&& fragment);
+        [[nodiscard]] const MarkdownEditorFragment* back() const;
+        [[nodiscard]] MarkdownEditorFragmentStore finish() &&;
+
+    private:
+        std::shared_ptr<Data> m_data;
+        bool m_inOrder = true;
+    };
+
     [[nodiscard]] static MarkdownEditorFragmentStore empty() { return {}; }
 
     // By location, then priority; stable.
@@ -48,6 +65,9 @@ private:
         std::vector<int> decorations, hitTargets;
         // The longest fragment: bounds the backward reach of a range query.
         int longest = 0;
+
+        // Adds fragments[i], the last so far in order, to the lists.
+        void list(int i);
     };
     [[nodiscard]] const Data& data() const;
     // Indices of the fragments that overlap `in`, in order.
