@@ -14,14 +14,15 @@ struct MarkdownEditorConfiguration;
 
 // What one range of the unchanged source looks like. Higher priority is applied later and wins.
 struct MarkdownEditorFragment {
+    // The small members first, where they pack together.
     MarkdownSourceRange range;
+    int priority = 0;
     MarkdownEditorFragmentRole role = MarkdownEditorFragmentRole::body;
+    bool isHidden = false;
     MarkdownTextAttributes attributes;
     std::optional<QString> replacement;
     // Usually absent; shared so that the common fragment carries one pointer for it.
     std::shared_ptr<const MarkdownTextAttributes> replacementAttributes;
-    bool isHidden = false;
-    int priority = 0;
 
     [[nodiscard]] bool isEmpty() const { return range.length == 0; }
     [[nodiscard]] int end() const { return range.upperBound(); }

@@ -12,12 +12,14 @@ constexpr std::uint32_t extraKeys = MarkdownTextAttributes::ListMarker | Markdow
 const MarkdownParagraphMetrics& MarkdownTextAttributes::paragraph() const
 {
     static const MarkdownParagraphMetrics none;
-    return m_paragraph ? *m_paragraph : none;
+    return m_paragraph ? m_paragraph->metrics : none;
 }
 
 MarkdownTextAttributes& MarkdownTextAttributes::setParagraph(const MarkdownParagraphMetrics& p)
 {
-    m_paragraph = std::make_shared<const MarkdownParagraphMetrics>(p);
+    auto* paragraph = new SharedParagraph;
+    paragraph->metrics = p;
+    m_paragraph = QExplicitlySharedDataPointer<const SharedParagraph>(paragraph);
     keys |= Paragraph;
     return *this;
 }
@@ -31,9 +33,9 @@ const MarkdownTextAttributes::Extras& MarkdownTextAttributes::extras() const
 MarkdownTextAttributes::Extras& MarkdownTextAttributes::mutableExtras()
 {
     if (!m_extras)
-        m_extras = std::make_shared<Extras>();
-    else if (m_extras.use_count() > 1)
-        m_extras = std::make_shared<Extras>(*m_extras);
+        m_extras = QExplicitlySharedDataPointer<Extras>(new Extras);
+    else if (m_extras->ref.loadRelaxed() > 1)
+        m_extras.detach();
     return *m_extras;
 }
 

@@ -5,6 +5,7 @@
 #include "MarkdownEngine/Styling/MarkdownParagraphMetrics.h"
 
 #include <QColor>
+#include <QSharedData>
 #include <QString>
 #include <cstdint>
 #include <memory>
@@ -99,15 +100,20 @@ struct MarkdownTextAttributes {
     friend bool operator==(const MarkdownTextAttributes& a, const MarkdownTextAttributes& b);
 
 private:
-    struct Extras {
+    // Counted in the object, so that each pointer is one word: sets are copied and moved by
+    // the hundred thousand.
+    struct SharedParagraph : QSharedData {
+        MarkdownParagraphMetrics metrics;
+    };
+    struct Extras : QSharedData {
         QString listMarker, callout, wikiLinkID, link;
         std::shared_ptr<const MarkdownEditorAttachment> attachment;
     };
     [[nodiscard]] const Extras& extras() const;
     Extras& mutableExtras(); // copies on write
 
-    std::shared_ptr<const MarkdownParagraphMetrics> m_paragraph;
-    std::shared_ptr<Extras> m_extras;
+    QExplicitlySharedDataPointer<const SharedParagraph> m_paragraph;
+    QExplicitlySharedDataPointer<Extras> m_extras;
 };
 
 // The clear colour: no ink.
