@@ -1,4 +1,5 @@
 #include "MarkdownEngine/Layout/MarkdownEditorCoordinator.h"
+#include "MarkdownEngine/Core/MarkdownOutline.h"
 #include "MarkdownEngine/Layout/MarkdownHeadlessTextView.h"
 
 #include <QCoreApplication>
@@ -221,4 +222,34 @@ TEST(MarkdownEditorCoordinator, RevealsAndFindHighlights)
     e.coordinator.applyFindHighlights();
     ASSERT_EQ(e.view.painter().highlights().size(), 1u) << "clipped to the text";
     EXPECT_EQ(e.view.textStorage().document()->isUndoAvailable(), false) << "never in the storage";
+}
+
+// The outline is moved over edits that cannot change it and read again otherwise: either way it
+// is what reading the whole text gives.
+TEST(MarkdownEditorCoordinator, OutlineMatchesTheTextAfterEachEdit)
+{
+    struct Edit {
+        const char* find; // the edit goes right after the first match
+        int remove;
+        const char* insert;
+    };
+    const Edit edits[] = {
+        {"plain", 0, "ish"},           // a plain line, before a heading
+        {"plain", 0, "\n# Made"},      // a new line that is a heading
+        {"# Made", 0, " longer"},      // a heading's own line
+        {"intro ", 0, "#tag "},        // a "#" on a plain line
+        {"\n", 0, "# "},               // a plain line becomes a heading
+        {"code", 0, " more"},          // inside a fence
+        {"```", 2, ""},                // the fence breaks open
+        {"tail", 0, "\r"},             // the storage takes a CR as a line break
+    };
+    QString text = QStringLiteral("intro plain words\nplain two\n\n# One\n\n```\ncode # not\n```\n\n## Two\ntail\n");
+    Editor e(text, 0);
+    for (const Edit& edit : edits) {
+        const int at = int(e.coordinator.text().indexOf(QString::fromUtf8(edit.find))) + int(qstrlen(edit.find));
+        ASSERT_GE(at, int(qstrlen(edit.find))) << edit.find;
+        e.view.textStorage().replace({at, edit.remove}, QString::fromUtf8(edit.insert));
+        e.coordinator.restyleNow();
+        EXPECT_EQ(e.coordinator.outlineEntries, MarkdownOutline::entries(e.coordinator.text())) << edit.find;
+    }
 }

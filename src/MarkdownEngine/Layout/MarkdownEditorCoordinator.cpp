@@ -207,10 +207,6 @@ void MarkdownEditorCoordinator::installStore(MarkdownEditorFragmentStore store)
     overlayRanges.clear();
     textView.installSelectionOverlay(selectionOverlay, overlayRanges);
     selectionSensitiveRanges.clear();
-    for (const MarkdownEditorFragment& f : fragments.fragments()) {
-        if (isSelectionSensitive(f))
-            selectionSensitiveRanges.push_back(f.range);
-    }
     textView.installFragments(fragments);
 }
 
@@ -332,12 +328,13 @@ void MarkdownEditorCoordinator::restyleSelectionNow()
     std::vector<MarkdownSourceRange> affected = activeLines;
     affected.insert(affected.end(), lastActiveLines.begin(), lastActiveLines.end());
     if (config.markers.revealsMarkersOnActiveLine && !config.rawSourceMode) {
-        const bool touches = std::any_of(selectionSensitiveRanges.begin(), selectionSensitiveRanges.end(),
-                                         [&](MarkdownSourceRange r) {
-                                             return std::any_of(affected.begin(), affected.end(), [&](MarkdownSourceRange line) {
-                                                 return r.intersection(line).length > 0;
-                                             });
-                                         });
+        const bool touches = std::any_of(affected.begin(), affected.end(), [&](MarkdownSourceRange line) {
+            const auto inStore = fragments.fragments(line);
+            return std::any_of(inStore.begin(), inStore.end(),
+                               [](const MarkdownEditorFragment* f) { return isSelectionSensitive(*f); })
+                || std::any_of(selectionSensitiveRanges.begin(), selectionSensitiveRanges.end(),
+                               [&](MarkdownSourceRange r) { return r.intersection(line).length > 0; });
+        });
         if (!touches) {
             lastActiveLines = activeLines;
             return;
@@ -567,10 +564,47 @@ void MarkdownEditorCoordinator::refreshOutline()
     const QString t = text();
     if (lastOutlineText && *lastOutlineText == t)
         return;
-    outlineEntries = MarkdownOutline::entries(t);
+    if (!lastOutlineText || !shiftOutline(*lastOutlineText, t))
+        outlineEntries = MarkdownOutline::entries(t);
     lastOutlineText = t;
     if (delegate)
         delegate->coordinatorDidChangeOutline(*this, outlineEntries);
+}
+
+bool MarkdownEditorCoordinator::shiftOutline(const QString& before, const QString& after)
+{
+    // Reading the outline walks every line of the note. An edit inside one line that holds no
+    // "#", "`" or "~" before or after it can neither make nor end a heading or a fence: the
+    // entries stay and those past it move by the change in length.
+    const qsizetype limit = std::min(before.size(), after.size());
+    qsizetype prefix = 0;
+    while (prefix < limit && before[prefix] == after[prefix])
+        ++prefix;
+    qsizetype suffix = 0;
+    while (suffix < limit - prefix && before[before.size() - 1 - suffix] == after[after.size() - 1 - suffix])
+        ++suffix;
+    const auto isPlainLine = [](QStringView text, qsizetype changedStart, qsizetype changedEnd) {
+        for (qsizetype i = changedStart; i < changedEnd; ++i) {
+            const char16_t c = text[i].unicode();
+            if (c == u'\n' || c == u'\r' || c == 0x85 || c == 0x2028 || c == 0x2029)
+                return false;
+        }
+        const chars::LineBounds line = chars::lineAt(text, changedStart);
+        const QStringView content = text.mid(line.start, line.contentsEnd - line.start);
+        return !content.contains(u'#') && !content.contains(u'`') && !content.contains(u'~');
+    };
+    // A character put between a CR and its LF splits one line break into two.
+    if ((prefix > 0 && before[prefix - 1] == u'\r') || !isPlainLine(before, prefix, before.size() - suffix)
+        || !isPlainLine(after, prefix, after.size() - suffix))
+        return false;
+    const int delta = int(after.size() - before.size());
+    for (OutlineEntry& entry : outlineEntries) {
+        if (entry.lineStart > prefix) {
+            entry.lineStart += delta;
+            entry.contentStart += delta;
+        }
+    }
+    return true;
 }
 
 InlineSelectionState MarkdownEditorCoordinator::formatState() const

@@ -84,6 +84,8 @@ public:
     std::vector<MarkdownSourceRange> cachedCodeRanges;
     std::optional<QString> lastOutlineText;
     QHash<QString, MarkdownStyledText> lastHighlightedCode;
+    // Ranges of the caret moves' fragments that hide or show with the selection; the store's
+    // own are looked up where a move lands.
     std::vector<MarkdownSourceRange> selectionSensitiveRanges;
     std::optional<MarkdownSourceRange> lastFormulaUnderCaret;
     int fullStylePassCount = 0;
@@ -154,6 +156,9 @@ private:
     // Writes the styled text over the lines `range` touches.
     void copyStyled(const MarkdownStyledNote& styled, MarkdownSourceRange range);
     void refreshInlineSelection();
+    // Moves the outline over an edit from `before` to `after` that cannot change it; false
+    // when the outline must be read again.
+    bool shiftOutline(const QString& before, const QString& after);
     void tellStatistics();
     void traceStorage(const char* label) const;
     void trace(const MarkdownStyledNote& final) const;
