@@ -142,6 +142,21 @@ QTextCharFormat MarkdownTextStorage::charFormat(const MarkdownTextAttributes& a)
     return format;
 }
 
+const QTextCharFormat& MarkdownTextStorage::recentFormat(const MarkdownTextAttributes& attributes)
+{
+    constexpr size_t kept = 16;
+    auto it = std::find_if(m_recentFormats.begin(), m_recentFormats.end(),
+                           [&](const auto& entry) { return entry.first == attributes; });
+    if (it == m_recentFormats.end()) {
+        if (m_recentFormats.size() >= kept)
+            m_recentFormats.pop_back();
+        m_recentFormats.emplace_back(attributes, charFormat(attributes));
+        it = m_recentFormats.end() - 1;
+    }
+    std::rotate(m_recentFormats.begin(), it, it + 1);
+    return m_recentFormats.front().second;
+}
+
 void MarkdownTextStorage::writeBlock(QTextBlock block, const MarkdownStyledText& styled, int offset)
 {
     auto* data = static_cast<BlockData*>(block.userData());
@@ -175,7 +190,7 @@ void MarkdownTextStorage::writeBlock(QTextBlock block, const MarkdownStyledText&
         QTextLayout::FormatRange range;
         range.start = clipped.location - start;
         range.length = clipped.length;
-        range.format = charFormat(it->attributes);
+        range.format = recentFormat(it->attributes);
         style.formats.push_back(std::move(range));
         style.runs.push_back({{clipped.location - start, clipped.length}, it->attributes});
     }

@@ -65,6 +65,11 @@ public:
 
 private:
     void writeBlock(QTextBlock block, const MarkdownStyledText& styled, int offset);
+    // charFormat(attributes), from the last few sets written when it is one of them: a note's
+    // runs come back to the same few sets, and each format made costs a handful of allocations.
+    const QTextCharFormat& recentFormat(const MarkdownTextAttributes& attributes);
+
+    std::vector<std::pair<MarkdownTextAttributes, QTextCharFormat>> m_recentFormats; // latest first
 
     std::unique_ptr<QTextDocument> m_document;
     mutable QString m_text;
