@@ -43,6 +43,19 @@ MarkdownSourceRange wholeLines(QStringView text, MarkdownSourceRange range)
     return MarkdownSourceRange::fromBounds(int(first.start), int(last.end));
 }
 
+// What `after` has in place of `before` between their common start and common end.
+MarkdownSourceRange changed(QStringView before, QStringView after)
+{
+    const qsizetype limit = std::min(before.size(), after.size());
+    qsizetype prefix = 0;
+    while (prefix < limit && before[prefix] == after[prefix])
+        ++prefix;
+    qsizetype suffix = 0;
+    while (suffix < limit - prefix && before[before.size() - 1 - suffix] == after[after.size() - 1 - suffix])
+        ++suffix;
+    return MarkdownSourceRange::fromBounds(int(prefix), int(after.size() - suffix));
+}
+
 QString describe(const MarkdownStyledText::Run& run)
 {
     QString out = QStringLiteral("%1:%2").arg(run.range.location).arg(run.range.length);
@@ -217,16 +230,7 @@ MarkdownSourceRange MarkdownEditorCoordinator::changedTextRange() const
         return {};
     if (lastText.isEmpty())
         return {0, int(t.size())};
-    const qsizetype limit = std::min(lastText.size(), t.size());
-    const QChar* a = lastText.constData();
-    const QChar* b = t.constData();
-    qsizetype prefix = 0;
-    while (prefix < limit && a[prefix] == b[prefix])
-        ++prefix;
-    qsizetype suffix = 0;
-    while (suffix < limit - prefix && a[lastText.size() - 1 - suffix] == b[t.size() - 1 - suffix])
-        ++suffix;
-    return MarkdownSourceRange::fromBounds(int(prefix), int(t.size() - suffix));
+    return changed(lastText, t);
 }
 
 MarkdownSourceRange MarkdownEditorCoordinator::dirtyRange(const std::vector<MarkdownSourceRange>& activeLines) const
@@ -576,13 +580,9 @@ bool MarkdownEditorCoordinator::shiftOutline(const QString& before, const QStrin
     // Reading the outline walks every line of the note. An edit inside one line that holds no
     // "#", "`" or "~" before or after it can neither make nor end a heading or a fence: the
     // entries stay and those past it move by the change in length.
-    const qsizetype limit = std::min(before.size(), after.size());
-    qsizetype prefix = 0;
-    while (prefix < limit && before[prefix] == after[prefix])
-        ++prefix;
-    qsizetype suffix = 0;
-    while (suffix < limit - prefix && before[before.size() - 1 - suffix] == after[after.size() - 1 - suffix])
-        ++suffix;
+    const MarkdownSourceRange edit = changed(before, after);
+    const qsizetype prefix = edit.location;
+    const qsizetype suffix = after.size() - edit.upperBound();
     const auto isPlainLine = [](QStringView text, qsizetype changedStart, qsizetype changedEnd) {
         for (qsizetype i = changedStart; i < changedEnd; ++i) {
             const char16_t c = text[i].unicode();

@@ -205,15 +205,8 @@ bool MarkdownASTStyler::styleInStoreOrder(const BlockContext& context, MarkdownE
     // as long as no block's first fragment ties with or precedes its predecessor's last.
     const std::vector<MarkdownBlock>& blocks = context.request->document->blocks;
     const int textLength = int(context.text->size());
-    struct Key {
-        int location, priority, order;
-        bool operator<(const Key& o) const
-        {
-            return location != o.location ? location < o.location
-                : priority != o.priority  ? priority < o.priority
-                                          : order < o.order;
-        }
-    };
+    // The index is the fragment's place in the block's lists: its own, its inlines, its tags.
+    using Key = MarkdownEditorFragmentStore::OrderKey;
     std::vector<MarkdownEditorFragment> own, inlines, tags;
     std::vector<Key> lists[3], merged, keys;
     const size_t tiles = std::max<size_t>(blocks.size(), 1);
@@ -257,9 +250,9 @@ bool MarkdownASTStyler::styleInStoreOrder(const BlockContext& context, MarkdownE
         }
         const int inlinesAt = int(own.size()), tagsAt = inlinesAt + int(inlines.size());
         for (const Key& key : keys) {
-            MarkdownEditorFragment& f = key.order < inlinesAt ? own[size_t(key.order)]
-                : key.order < tagsAt                          ? inlines[size_t(key.order - inlinesAt)]
-                                                              : tags[size_t(key.order - tagsAt)];
+            MarkdownEditorFragment& f = key.index < inlinesAt ? own[size_t(key.index)]
+                : key.index < tagsAt                          ? inlines[size_t(key.index - inlinesAt)]
+                                                              : tags[size_t(key.index - tagsAt)];
             into.append(std::move(f));
         }
     }

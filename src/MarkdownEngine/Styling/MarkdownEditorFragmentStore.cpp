@@ -18,23 +18,13 @@ MarkdownEditorFragmentStore::MarkdownEditorFragmentStore(std::vector<MarkdownEdi
         // The styler hands its fragments over in order: the stable sort would leave them be.
         ordered = std::move(fragments);
     } else {
-        // Sort small keys, then move each fragment once: fragments are too big to shuffle. The
-        // index makes every key unique, which keeps the order stable.
-        struct Key {
-            int location, priority, index;
-            bool operator<(const Key& o) const
-            {
-                return location != o.location ? location < o.location
-                    : priority != o.priority  ? priority < o.priority
-                                              : index < o.index;
-            }
-        };
-        std::vector<Key> keys(fragments.size());
+        // Sort small keys, then move each fragment once: fragments are too big to shuffle.
+        std::vector<OrderKey> keys(fragments.size());
         for (size_t i = 0; i < fragments.size(); ++i)
             keys[i] = {fragments[i].range.location, fragments[i].priority, int(i)};
         std::sort(keys.begin(), keys.end());
         ordered.reserve(fragments.size());
-        for (const Key& key : keys)
+        for (const OrderKey& key : keys)
             ordered.push_back(std::move(fragments[size_t(key.index)]));
     }
     for (int i = 0; i < int(ordered.size()); ++i)

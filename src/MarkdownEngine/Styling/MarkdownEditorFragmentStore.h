@@ -35,6 +35,18 @@ public:
 
     [[nodiscard]] static MarkdownEditorFragmentStore empty() { return {}; }
 
+    // The store's order for a fragment: location, then priority, then `index`, its place in
+    // the order it was handed over, which keeps the sort stable.
+    struct OrderKey {
+        int location, priority, index;
+        bool operator<(const OrderKey& o) const
+        {
+            return location != o.location ? location < o.location
+                : priority != o.priority  ? priority < o.priority
+                                          : index < o.index;
+        }
+    };
+
     // By location, then priority; stable.
     const std::vector<MarkdownEditorFragment>& fragments() const { return data().fragments; }
     // Hidden ranges of positive length, coalesced where they touch or overlap.
