@@ -48,6 +48,38 @@ std::optional<Edit> MarkdownEditingCommands::tidyTable(const QString& text, Mark
     return replacing(text, shape->range, tidy.markdown(), {shape->range.location + tidy.caretOffset(row, column), 0});
 }
 
+std::optional<Edit> MarkdownEditingCommands::moveTableCell(const QString& text, MarkdownSourceRange selection, int step)
+{
+    selection = clamped(text, selection);
+    const auto shape = MarkdownTableSource::tableShape(text, selection);
+    if (!shape)
+        return std::nullopt;
+    const auto source = MarkdownTableSource::make(text, *shape, selection.location);
+    if (!source)
+        return std::nullopt;
+    MarkdownTableSource tidy = source->realigning();
+    const int columns = tidy.columnCount();
+    const int rows = tidy.rowCount();
+    if (columns < 1 || rows < 1)
+        return std::nullopt;
+    const int row = std::clamp(source->row, 0, rows - 1);
+    const int column = std::clamp(source->column, 0, columns - 1);
+    const int cell = std::max(0, row * columns + column + step);
+    int caret = 0;
+    if (cell < rows * columns) {
+        caret = tidy.caretOffset(cell / columns, cell % columns);
+    } else {
+        tidy.row = rows - 1;
+        tidy.column = 0;
+        tidy.command = MarkdownTableCommand{MarkdownTableCommand::Kind::insertRowBelow};
+        const auto added = tidy.apply();
+        if (!added)
+            return std::nullopt;
+        caret = tidy.caretOffset(added->first, 0);
+    }
+    return replacing(text, shape->range, tidy.markdown(), {shape->range.location + caret, 0});
+}
+
 std::optional<QString> MarkdownEditingCommands::tableClipboard(const QString& text, MarkdownSourceRange selection,
                                                                MarkdownTableCopyFormat format)
 {

@@ -5,6 +5,8 @@
 #include "MarkdownEngine/Core/MarkdownSourceEditorState.h"
 #include "MarkdownEngine/Core/MarkdownTextStatistics.h"
 #include "MarkdownEngine/Core/OutlineEntry.h"
+#include "MarkdownEngine/Editing/MarkdownEditingCommands.h"
+#include "MarkdownEngine/Editing/MarkdownEditorKeys.h"
 #include "MarkdownEngine/Layout/EditorReveals.h"
 #include "MarkdownEngine/Styling/MarkdownASTStyler.h"
 #include "MarkdownEngine/Styling/MarkdownEditorAttachmentFactory.h"
@@ -135,6 +137,13 @@ public:
     void textViewDidActivateTag(const QString& tag);
     void textViewDidOpenURL(const QUrl& url);
 
+    // Editing commands and the structural keys, each one undoable change of the text. They
+    // answer whether they changed anything; a key that did not keeps its usual meaning.
+    bool perform(const MarkdownEditorCommand& command);
+    bool handleKey(MarkdownEditorKeys::Key key);
+    bool handleTyped(QChar character);
+    void applyEdit(const MarkdownEditingCommands::Edit& edit);
+
     [[nodiscard]] QString text() const;
     [[nodiscard]] MarkdownSourceRange selectedRange() const;
     [[nodiscard]] bool isComposing() const;
@@ -152,6 +161,8 @@ private:
                bool forceAllAttributes);
     void installStore(MarkdownEditorFragmentStore store);
     void refreshInlineSelection();
+    // Requests posted on the bus become commands of this editor.
+    void listenToBus();
     void tellStatistics();
     void traceStorage(const char* label) const;
     void trace(const MarkdownStyledText& final) const;
