@@ -264,6 +264,26 @@ TEST(MarkdownEditorCoordinator, ACommandIsOneUndoableStepWithItsSelections)
     }
 }
 
+TEST(MarkdownEditorCoordinator, UndoAfterAnyCommandRestoresTextAndSelection)
+{
+    const QString text = QStringLiteral("# T\n\n- [ ] one **b**\n2. two\n> q `c`\n\n| a | b |\n|---|---|\n| 1 | 2 |\n");
+    const MarkdownSourceRange selections[] = {{0, 0}, {8, 7}, {int(text.size()) - 4, 0}, {0, int(text.size())}};
+    for (int which = 0; which <= int(editor_command::Simple::moveLinesDown); ++which) {
+        const auto command = static_cast<editor_command::Simple>(which);
+        for (const MarkdownSourceRange selection : selections) {
+            SCOPED_TRACE(editor_command::name(command).toStdString() + " at " + std::to_string(selection.location));
+            Editor e(text, 0);
+            e.view.setSelection(selection);
+            // A command that only selects makes no undo step.
+            if (!e.coordinator.perform(command) || e.view.textStorage().text() == text)
+                continue;
+            e.view.undo();
+            EXPECT_EQ(e.view.textStorage().text(), text);
+            EXPECT_EQ(e.coordinator.selectedRange(), selection);
+        }
+    }
+}
+
 TEST(MarkdownEditorCoordinator, KeysAndBusRequestsBecomeEdits)
 {
     Editor e(QStringLiteral("- a"), 3);
