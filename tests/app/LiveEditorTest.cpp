@@ -102,6 +102,16 @@ TEST_F(LiveEditor, ListsGrowWithReturnAndTabAndMenusFormatTheSelection)
     EXPECT_TRUE(saved.contains("diskMatchesBuffer=true"));
 }
 
+TEST_F(LiveEditor, ACRLFNoteKeepsItsLineEnds)
+{
+    writeBytes(path("notes/Draft.md"), "# Draft\r\n\r\n- one\r\n");
+    const QString script = "openFolder:" + path("notes") + "; activate:Draft; select:14,0; type:\\ntwo; wait:1; save; dump";
+    const QString dump = run(VELMO_BINARY, {}, environment(script, "offscreen"));
+    EXPECT_EQ(velmo::test::readBytes(path("notes/Draft.md")), QByteArray("# Draft\r\n\r\n- one\r\n- two\r\n"))
+        << dump.right(3000).toStdString();
+    EXPECT_TRUE(dump.contains("diskMatchesBuffer=true"));
+}
+
 // Pixels near `color`, each channel within `tolerance`.
 int count(const QImage& image, QColor color, int tolerance)
 {
