@@ -142,7 +142,8 @@ public:
     bool perform(const MarkdownEditorCommand& command);
     bool handleKey(MarkdownEditorKeys::Key key);
     bool handleTyped(QChar character);
-    void applyEdit(const MarkdownEditingCommands::Edit& edit);
+    // Makes the edit, when there is one; false without.
+    bool applyEdit(const std::optional<MarkdownEditingCommands::Edit>& edit);
 
     [[nodiscard]] QString text() const;
     [[nodiscard]] MarkdownSourceRange selectedRange() const;
@@ -163,6 +164,7 @@ private:
     void refreshInlineSelection();
     // Requests posted on the bus become commands of this editor.
     void listenToBus();
+    [[nodiscard]] MarkdownEditorKeys::Options keyOptions() const;
     void tellStatistics();
     void traceStorage(const char* label) const;
     void trace(const MarkdownStyledText& final) const;

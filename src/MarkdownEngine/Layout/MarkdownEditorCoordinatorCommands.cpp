@@ -19,49 +19,37 @@ void MarkdownEditorCoordinator::listenToBus()
 
 bool MarkdownEditorCoordinator::perform(const MarkdownEditorCommand& command)
 {
-    if (isComposing())
-        return false;
-    const auto edit = MarkdownEditingCommands::edit(command, text(), selectedRange());
-    if (!edit)
-        return false;
-    applyEdit(*edit);
-    return true;
+    return !isComposing() && applyEdit(MarkdownEditingCommands::edit(command, text(), selectedRange()));
 }
 
 bool MarkdownEditorCoordinator::handleKey(MarkdownEditorKeys::Key key)
 {
-    using Key = MarkdownEditorKeys::Key;
     // A line break is always ours: the view's own would enter the text as U+2028.
-    if (isComposing() || (key != Key::lineBreak && !config.lists.helpersEnabled))
+    if (isComposing() || (key != MarkdownEditorKeys::Key::lineBreak && !config.lists.helpersEnabled))
         return false;
-    const MarkdownEditorKeys::Options options{config.lists.autoClosePairsEnabled};
-    const auto edit = MarkdownEditorKeys::edit(key, text(), selectedRange(), options);
-    if (!edit)
-        return false;
-    applyEdit(*edit);
-    return true;
+    return applyEdit(MarkdownEditorKeys::edit(key, text(), selectedRange(), keyOptions()));
 }
 
 bool MarkdownEditorCoordinator::handleTyped(QChar character)
 {
-    if (isComposing())
-        return false;
-    const MarkdownEditorKeys::Options options{config.lists.autoClosePairsEnabled};
-    const auto edit = MarkdownEditorKeys::typed(character, text(), selectedRange(), options);
-    if (!edit)
-        return false;
-    applyEdit(*edit);
-    return true;
+    return !isComposing() && applyEdit(MarkdownEditorKeys::typed(character, text(), selectedRange(), keyOptions()));
 }
 
-void MarkdownEditorCoordinator::applyEdit(const MarkdownEditingCommands::Edit& edit)
+MarkdownEditorKeys::Options MarkdownEditorCoordinator::keyOptions() const
 {
-    const MarkdownTextMutation& change = edit.mutation;
-    if (change.range.length == 0 && change.replacement.isEmpty()) {
-        select(edit.selection); // the key only moved the caret
-        return;
-    }
-    textView.applyEdit(change.range, change.replacement, edit.selection);
+    return {config.lists.autoClosePairsEnabled};
+}
+
+bool MarkdownEditorCoordinator::applyEdit(const std::optional<MarkdownEditingCommands::Edit>& edit)
+{
+    if (!edit)
+        return false;
+    const MarkdownTextMutation& change = edit->mutation;
+    if (change.range.length == 0 && change.replacement.isEmpty())
+        select(edit->selection); // the key only moved the caret
+    else
+        textView.applyEdit(change.range, change.replacement, edit->selection);
+    return true;
 }
 
 }
