@@ -7,11 +7,13 @@
 #include "MarkdownEngine/Configuration/MarkdownEditorNotifications.h"
 #include "MarkdownEngine/Core/MarkdownTextColor.h"
 #include "MarkdownEngine/Layout/MarkdownEditorCoordinator.h"
+#include "Velmo/EditorHostCoordinator.h"
 #include "Velmo/AppState.h"
 
 #include <QDate>
 #include <QMenuBar>
 #include <functional>
+#include <map>
 
 namespace velmo::ui {
 
@@ -50,14 +52,17 @@ void MainWindow::sendCommand(const MarkdownEditorCommand& command)
 void MainWindow::buildFormatMenu()
 {
     QMenu* format = menuBar()->addMenu(tr("F&ormat"));
-    const auto add = [this](QMenu* menu, const std::vector<Item>& items) {
+    std::map<Simple, QAction*> marks; // the items that show the caret's inline format
+    const auto add = [this, &marks](QMenu* menu, const std::vector<Item>& items) {
         for (const Item& item : items) {
             if (!item.title) {
                 menu->addSeparator();
                 continue;
             }
             const MarkdownEditorCommand command = item.command;
-            menu->addAction(tr(item.title), item.shortcut, this, [this, command] { sendCommand(command); });
+            QAction* action = menu->addAction(tr(item.title), item.shortcut, this, [this, command] { sendCommand(command); });
+            if (const auto* simple = std::get_if<Simple>(&command))
+                marks[*simple] = action;
         }
     };
     const Item separator{nullptr, Simple::bold};
@@ -73,6 +78,24 @@ void MainWindow::buildFormatMenu()
         {"Image", Simple::image, QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_I)},
         {"Clear Formatting", Simple::clearFormatting, QKeySequence(Qt::CTRL | Qt::Key_Backslash)},
     });
+
+    // Bold and its kin are ticked where the caret stands in them.
+    const std::pair<Simple, bool markdown::InlineSelectionState::*> ticks[] = {
+        {Simple::bold, &markdown::InlineSelectionState::bold},
+        {Simple::italic, &markdown::InlineSelectionState::italic},
+        {Simple::strikethrough, &markdown::InlineSelectionState::strikethrough},
+        {Simple::highlight, &markdown::InlineSelectionState::highlight},
+        {Simple::inlineCode, &markdown::InlineSelectionState::code},
+    };
+    std::vector<std::pair<QAction*, bool markdown::InlineSelectionState::*>> ticked;
+    for (const auto& [simple, field] : ticks) {
+        marks.at(simple)->setCheckable(true);
+        ticked.emplace_back(marks.at(simple), field);
+    }
+    m_host->onFormatState = [ticked](const markdown::InlineSelectionState& state) {
+        for (const auto& [action, field] : ticked)
+            action->setChecked(state.*field);
+    };
 
     QMenu* headings = format->addMenu(tr("Heading"));
     for (int level = 1; level <= 6; ++level) {

@@ -95,6 +95,9 @@ TEST_F(LiveEditor, ListsGrowWithReturnAndTabAndMenusFormatTheSelection)
     const QString typed = "# Draft\n- one\n- two\n    - nested\n- end";
     EXPECT_TRUE(dump.contains("text[\n" + typed + "\ntext]")) << dump.left(4000).toStdString();
     EXPECT_TRUE(dump.contains("menu:Format>Bold — performed Format>Bold"));
+    EXPECT_TRUE(step(dump, "step 6: select").contains("Bold key=Ctrl+B enabled=true checked=false"));
+    EXPECT_TRUE(step(dump, "step 8: text").contains("Bold key=Ctrl+B enabled=true checked=true"))
+        << "the menu ticks the format the caret stands in";
     EXPECT_TRUE(dump.contains("text[\n# Draft\n- one\n- two\n    - nested\n- **end**\ntext]"));
     EXPECT_EQ(step(dump, "step 10: text").count(typed), 1) << "undo brings the word back";
     const QString saved = step(dump, "step 13: dump");
