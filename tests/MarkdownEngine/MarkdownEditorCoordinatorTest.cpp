@@ -284,6 +284,20 @@ TEST(MarkdownEditorCoordinator, UndoAfterAnyCommandRestoresTextAndSelection)
     }
 }
 
+TEST(MarkdownEditorCoordinator, TypingAfterACommandIsAStepOfItsOwn)
+{
+    Editor e(QStringLiteral("word"), 0);
+    e.view.setSelection({0, 4});
+    ASSERT_TRUE(e.coordinator.perform(editor_command::Simple::bold));
+    e.view.setSelection({8, 0});
+    e.view.insert("!");
+    e.view.undo();
+    EXPECT_EQ(e.view.textStorage().text(), QStringLiteral("**word**"));
+    e.view.undo();
+    EXPECT_EQ(e.view.textStorage().text(), QStringLiteral("word"));
+    EXPECT_EQ(e.coordinator.selectedRange(), (MarkdownSourceRange{0, 4}));
+}
+
 TEST(MarkdownEditorCoordinator, KeysAndBusRequestsBecomeEdits)
 {
     Editor e(QStringLiteral("- a"), 3);
