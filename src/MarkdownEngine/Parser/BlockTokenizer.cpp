@@ -609,11 +609,12 @@ void BlockTokenizer::attachQuoteMarkers(std::vector<MarkdownBlock>& blocks, cons
 void BlockTokenizer::attachInlines(std::vector<MarkdownBlock>& blocks, const InlineParser::Context& context)
 {
     const MarkdownSourceRange whole{0, int(context.ns.size())};
+    InlineParser::Scratch scratch;
     const auto parseInto = [&](std::vector<MarkdownInline>& into, MarkdownSourceRange range) {
         const MarkdownSourceRange clipped = range.intersection(whole);
         if (clipped.length < 1)
             return;
-        std::vector<MarkdownInline> parsed = InlineParser::parse(clipped, context);
+        std::vector<MarkdownInline> parsed = InlineParser::parse(clipped, context, scratch);
         if (into.empty())
             into = std::move(parsed);
         else
