@@ -20,6 +20,9 @@ bool isFlankingWhitespace(char16_t unit)
 {
     if (unit == 0 || unit == u'\t' || unit == u'\n' || unit == u'\r' || unit == u' ')
         return true;
+    // Below 0x80 only VT and FF are left; the category lookup is for the rest.
+    if (unit < 0x80)
+        return unit == u'\v' || unit == u'\f';
     return !QChar::isSurrogate(unit) && chars::isWhitespaceOrNewline(unit);
 }
 
