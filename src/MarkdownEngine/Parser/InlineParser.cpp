@@ -116,6 +116,10 @@ std::optional<MarkdownSourceRange> scanAtoms(Frame& frame, InlineAtomScanner& sc
                 ++runEnd;
             const char16_t before = p > 0 ? units[p - 1] : u'\n';
             const char16_t after = runEnd < end ? units[runEnd] : u'\n';
+            // Runs are at least a unit apart, so the rest of the frame holds at most half its
+            // units in runs: one reservation instead of a chain of copies on a long paragraph.
+            if (frame.delimiters.size() == frame.delimiters.capacity())
+                frame.delimiters.reserve(frame.delimiters.size() + size_t(end - p + 1) / 2);
             frame.delimiters.push_back(InlineParser::flanking(unit, p, runEnd - p, before, after));
             p = runEnd;
             continue;
@@ -142,6 +146,9 @@ void matchEmphasis(const std::vector<InlineParser::Delimiter>& delimiters, std::
 {
     spans.clear();
     openers.clear();
+    // Each span uses up two runs; reserving the bounds spares regrowth copies.
+    spans.reserve(delimiters.size() / 2);
+    openers.reserve(delimiters.size());
     for (qsizetype i = 0; i < qsizetype(delimiters.size()); ++i) {
         const InlineParser::Delimiter& closer = delimiters[i];
         if (closer.canClose && !openers.empty()) {
