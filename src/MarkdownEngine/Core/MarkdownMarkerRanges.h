@@ -4,7 +4,10 @@
 
 #include <QtGlobal>
 #include <algorithm>
+#include <cstdlib>
 #include <initializer_list>
+#include <new>
+#include <type_traits>
 
 namespace velmo::markdown {
 
@@ -39,14 +42,14 @@ public:
     MarkdownMarkerRanges& operator=(MarkdownMarkerRanges&& other) noexcept
     {
         if (this != &other) {
-            delete[] m_heap;
+            std::free(m_heap);
             m_heap = nullptr;
             m_capacity = inlineCapacity;
             take(other);
         }
         return *this;
     }
-    ~MarkdownMarkerRanges() { delete[] m_heap; }
+    ~MarkdownMarkerRanges() { std::free(m_heap); }
 
     [[nodiscard]] qsizetype size() const { return m_size; }
     [[nodiscard]] bool isEmpty() const { return m_size == 0; }
@@ -91,13 +94,18 @@ private:
     static constexpr int inlineCapacity = 3;
 
     // At least doubles, so a list built by appending (a quoted block's markers) stays linear.
+    // Ranges are plain data, so the heap block grows with realloc, which can extend a large
+    // block in place instead of copying it.
+    static_assert(std::is_trivially_copyable_v<MarkdownSourceRange>);
     void grow(int needed)
     {
         const int capacity = std::max(needed, 2 * m_capacity);
-        auto* heap = new MarkdownSourceRange[size_t(capacity)];
-        std::copy(data(), data() + m_size, heap);
-        delete[] m_heap;
-        m_heap = heap;
+        void* heap = std::realloc(m_heap, size_t(capacity) * sizeof(MarkdownSourceRange));
+        if (!heap)
+            throw std::bad_alloc();
+        if (!m_heap)
+            std::copy(m_inline, m_inline + m_size, static_cast<MarkdownSourceRange*>(heap));
+        m_heap = static_cast<MarkdownSourceRange*>(heap);
         m_capacity = capacity;
     }
     // Leaves `other` empty; this one must hold no heap block.
