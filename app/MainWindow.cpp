@@ -99,8 +99,8 @@ void MainWindow::buildMenus()
     file->addAction(tr("Quit"), QKeySequence::Quit, this, &QWidget::close);
 
     QMenu* edit = menuBar()->addMenu(tr("&Edit"));
-    edit->addAction(tr("Undo"), QKeySequence::Undo, m_editor, &QTextEdit::undo);
-    edit->addAction(tr("Redo"), QKeySequence::Redo, m_editor, &QTextEdit::redo);
+    edit->addAction(tr("Undo"), QKeySequence::Undo, m_editor, &MarkdownEditorView::undoEdit);
+    edit->addAction(tr("Redo"), QKeySequence::Redo, m_editor, &MarkdownEditorView::redoEdit);
     edit->addSeparator();
     edit->addAction(tr("Cut"), QKeySequence::Cut, m_editor, &QTextEdit::cut);
     edit->addAction(tr("Copy"), QKeySequence::Copy, m_editor, &QTextEdit::copy);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "MarkdownEngine/Editing/MarkdownEditorCommand.h"
+
 #include <QMainWindow>
 #include <QPointer>
 
@@ -43,6 +45,9 @@ private:
     void showConflict();
     // The live editor: its menu, status line and configuration.
     void buildViewMenu();
+    void buildFormatMenu();
+    // A command for the open note's editor; nothing without one.
+    void sendCommand(const markdown::MarkdownEditorCommand& command);
     void refreshEditorStatus();
     void applyEditorConfiguration();
     bool isDarkAppearance() const;

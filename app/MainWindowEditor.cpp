@@ -68,7 +68,7 @@ void MainWindow::buildViewMenu()
         sidebar->setChecked(settings.showsSidebar());
         raw->setChecked(settings.rawSourceMode());
     });
-    menuBar()->addMenu(tr("F&ormat"));
+    buildFormatMenu();
     applyEditorConfiguration();
 }
 

@@ -1,9 +1,13 @@
 #include "MarkdownEditorView.h"
 
+#include "MarkdownEngine/Editing/MarkdownEditingCommands.h"
 #include "MarkdownEngine/Layout/MarkdownEditorCoordinator.h"
 #include "MarkdownEngine/Styling/MarkdownASTStyler.h"
 
+#include <QClipboard>
 #include <QDesktopServices>
+#include <QGuiApplication>
+#include <QMimeData>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -31,6 +35,7 @@ MarkdownEditorView::MarkdownEditorView(QWidget* parent)
     : QTextEdit(parent)
     , m_layout(new markdown::MarkdownLayoutManager(m_storage))
     , m_painter(*m_layout)
+    , m_undoSelections(*m_storage.document())
     , m_traceInput(qEnvironmentVariableIsSet("VELMO_TRACE_INPUT"))
 {
     m_storage.document()->setDocumentLayout(m_layout);
@@ -189,6 +194,47 @@ void MarkdownEditorView::replaceText(int location, int length, const QString& re
     setSelectedRange({caret, 0});
 }
 
+void MarkdownEditorView::applyEdit(MarkdownSourceRange range, const QString& replacement, MarkdownSourceRange selection)
+{
+    m_undoSelections.beginEdit(selectedRanges().front());
+    m_storage.replace(range, replacement);
+    m_undoSelections.endEdit(selection);
+    setSelectedRange(selection);
+}
+
+void MarkdownEditorView::undoEdit()
+{
+    if (const auto selection = m_undoSelections.undo([this] { undo(); }))
+        setSelectedRange(*selection);
+}
+
+void MarkdownEditorView::redoEdit()
+{
+    if (const auto selection = m_undoSelections.redo([this] { redo(); }))
+        setSelectedRange(*selection);
+}
+
+bool MarkdownEditorView::copyTable(std::optional<markdown::MarkdownTableCopyFormat> format)
+{
+    using markdown::MarkdownEditingCommands;
+    using markdown::MarkdownTableCopyFormat;
+    const QString& text = m_storage.text();
+    const MarkdownSourceRange selection = selectedRanges().front();
+    const auto tsv = MarkdownEditingCommands::tableTSV(text, selection);
+    if (!tsv)
+        return false;
+    const QString csv = MarkdownEditingCommands::tableClipboard(text, selection, MarkdownTableCopyFormat::csv).value_or(QString());
+    const QString html = MarkdownEditingCommands::tableClipboard(text, selection, MarkdownTableCopyFormat::html).value_or(QString());
+    auto* data = new QMimeData;
+    data->setText(!format ? *tsv : *format == MarkdownTableCopyFormat::csv ? csv : html);
+    if (format != MarkdownTableCopyFormat::csv)
+        data->setHtml(html);
+    if (format != MarkdownTableCopyFormat::html)
+        data->setData(QStringLiteral("text/csv"), csv.toUtf8());
+    QGuiApplication::clipboard()->setMimeData(data);
+    return true;
+}
+
 void MarkdownEditorView::inputMethodEvent(QInputMethodEvent* event)
 {
     const bool marking = !event->preeditString().isEmpty();
@@ -204,13 +250,69 @@ void MarkdownEditorView::inputMethodEvent(QInputMethodEvent* event)
         m_coordinator->textViewDidChangeMarkedText();
 }
 
+bool MarkdownEditorView::event(QEvent* event)
+{
+    if (event->type() == QEvent::ShortcutOverride) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if (m_reservedShortcuts.contains(QKeySequence(key->keyCombination()))) {
+            event->ignore();
+            return true;
+        }
+    }
+    return QTextEdit::event(event);
+}
+
 void MarkdownEditorView::keyPressEvent(QKeyEvent* event)
 {
     if (m_traceInput)
         qWarning().noquote() << "[input] key" << event->key() << event->text();
+    if (event->matches(QKeySequence::Undo) || event->matches(QKeySequence::Redo)) {
+        event->matches(QKeySequence::Undo) ? undoEdit() : redoEdit();
+        event->accept();
+        return;
+    }
+    if (m_coordinator && !m_marked && !isReadOnly() && handleEditingKey(event)) {
+        event->accept();
+        return;
+    }
     QTextEdit::keyPressEvent(event);
     if (m_coordinator && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter))
         m_coordinator->textViewDidInsertNewline();
+}
+
+bool MarkdownEditorView::handleEditingKey(QKeyEvent* event)
+{
+    using Key = markdown::MarkdownEditorKeys::Key;
+    const Qt::KeyboardModifiers modifiers = event->modifiers() & ~Qt::KeypadModifier;
+    std::optional<Key> key;
+    switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        if (modifiers == Qt::NoModifier)
+            key = Key::newline;
+        else if (modifiers == Qt::ShiftModifier)
+            key = Key::lineBreak;
+        break;
+    case Qt::Key_Tab:
+        if (modifiers == Qt::NoModifier)
+            key = Key::tab;
+        break;
+    case Qt::Key_Backtab:
+        key = Key::backtab;
+        break;
+    case Qt::Key_Backspace:
+        if (modifiers == Qt::NoModifier)
+            key = Key::backspace;
+        break;
+    default:
+        break;
+    }
+    // Shift+Tab means nothing else in a note, so it never moves the focus away.
+    if (key)
+        return m_coordinator->handleKey(*key) || key == Key::backtab;
+    const QString typed = event->text();
+    const bool plain = !(modifiers & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
+    return plain && typed.size() == 1 && textCursor().hasSelection() && m_coordinator->handleTyped(typed.front());
 }
 
 bool MarkdownEditorView::activate(const QPoint& point, bool force)

@@ -3,7 +3,9 @@
 #include "MarkdownEngine/Layout/MarkdownDecorationPainter.h"
 #include "MarkdownEngine/Layout/MarkdownLayoutManager.h"
 #include "MarkdownEngine/Layout/MarkdownTextStorage.h"
+#include "MarkdownEngine/Editing/MarkdownTableCopyFormat.h"
 #include "MarkdownEngine/Layout/MarkdownTextView.h"
+#include "MarkdownEngine/Layout/MarkdownUndoSelections.h"
 #include "Velmo/EditorTextSurface.h"
 
 #include <QTextEdit>
@@ -33,6 +35,15 @@ public:
     // The composed text's range while an input method composes.
     std::optional<std::pair<int, int>> markedRange() const;
     QString toPlainText() const { return m_storage.text(); }
+    // Undo and redo that put back the selection a command's edit had before, or chose.
+    void undoEdit();
+    void redoEdit();
+    // The table under the caret onto the clipboard: TSV as text with HTML and CSV beside it,
+    // or one format alone. False outside a table.
+    bool copyTable(std::optional<markdown::MarkdownTableCopyFormat> format = std::nullopt);
+    // Keys the window's menus own, although Qt's text editing knows them (Ctrl+K deletes to
+    // the end of the line on X11): they reach the menu, not the text.
+    void reserveShortcuts(QList<QKeySequence> shortcuts) { m_reservedShortcuts = std::move(shortcuts); }
 
     // MarkdownTextView
     markdown::MarkdownTextStorage& textStorage() override { return m_storage; }
@@ -51,6 +62,8 @@ public:
     void setTemporaryHighlights(std::vector<markdown::MarkdownSourceRange> ranges, QColor color) override;
     void applyConfiguration(const markdown::MarkdownEditorConfiguration& config) override;
     void scrollRangeToVisible(markdown::MarkdownSourceRange range) override;
+    void applyEdit(markdown::MarkdownSourceRange range, const QString& replacement,
+                   markdown::MarkdownSourceRange selection) override;
 
     // EditorTextSurface
     QString surfaceText() const override { return m_storage.text(); }
@@ -62,6 +75,7 @@ public:
     QString documentIdentity() const { return m_documentId; }
 
 protected:
+    bool event(QEvent* event) override;
     void inputMethodEvent(QInputMethodEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
@@ -71,14 +85,19 @@ protected:
 private:
     // True when the click at `point` (viewport coordinates) hit something that acts.
     bool activate(const QPoint& point, bool force);
+    // Return, Tab, Backspace and characters typed over a selection, as the editing keys see
+    // them; true when the key was used.
+    bool handleEditingKey(QKeyEvent* event);
     void updateOverscroll();
 
     markdown::MarkdownTextStorage m_storage;
     markdown::MarkdownLayoutManager* m_layout; // owned by the storage's document
     markdown::MarkdownDecorationPainter m_painter;
+    markdown::MarkdownUndoSelections m_undoSelections;
     markdown::MarkdownEditorCoordinator* m_coordinator = nullptr;
     markdown::MarkdownEditorConfiguration::OverscrollPolicy m_overscroll;
     QString m_documentId;
+    QList<QKeySequence> m_reservedShortcuts;
     int m_markedStart = -1;
     int m_markedLength = 0;
     int m_transactionDepth = 0;

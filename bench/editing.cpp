@@ -4,6 +4,7 @@
 #include "support/BenchData.h"
 
 #include "MarkdownEngine/Editing/MarkdownEditingCommands.h"
+#include "MarkdownEngine/Editing/MarkdownEditorKeys.h"
 
 #include <benchmark/benchmark.h>
 
@@ -62,7 +63,8 @@ void BM_insertTable(benchmark::State& state)
     bench(state, editor_command::Table{3, 3}, middle());
 }
 
-void BM_newlineAtEveryLine(benchmark::State& state)
+// A structural key, as the editor handles it, at the end of each of the note's first 1000 lines.
+void BM_keyAtEveryLine(benchmark::State& state, MarkdownEditorKeys::Key key)
 {
     const QString& text = note();
     std::vector<int> ends;
@@ -70,7 +72,7 @@ void BM_newlineAtEveryLine(benchmark::State& state)
         ends.push_back(int(i));
     for (auto _ : state) {
         for (int end : ends)
-            benchmark::DoNotOptimize(Commands::newline(text, {end, 0}));
+            benchmark::DoNotOptimize(MarkdownEditorKeys::edit(key, text, {end, 0}, {}));
     }
     state.SetItemsProcessed(state.iterations() * qsizetype(ends.size()));
 }
@@ -95,6 +97,8 @@ BENCHMARK(BM_indentWholeNote)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_moveLineDown);
 BENCHMARK(BM_renumberFootnotes)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_insertTable)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_newlineAtEveryLine)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(BM_keyAtEveryLine, newline, MarkdownEditorKeys::Key::newline)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(BM_keyAtEveryLine, tab, MarkdownEditorKeys::Key::tab)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(BM_keyAtEveryLine, backspace, MarkdownEditorKeys::Key::backspace)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_tidyTableAtATable)->Unit(benchmark::kMicrosecond);
 BENCHMARK_MAIN();

@@ -1,6 +1,7 @@
 #include "CliCommand.h"
 
 #include "MarkdownEngine/Editing/MarkdownEditingCommands.h"
+#include "MarkdownEngine/Editing/MarkdownEditorKeys.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -8,6 +9,7 @@
 namespace velmo::cli {
 
 using markdown::MarkdownEditingCommands;
+using markdown::MarkdownEditorKeys;
 using markdown::MarkdownSourceRange;
 
 namespace {
@@ -26,11 +28,25 @@ std::optional<MarkdownSourceRange> parseSelection(const QString& value)
     return MarkdownSourceRange{location, length};
 }
 
+std::optional<MarkdownEditorKeys::Key> keyNamed(const QString& name)
+{
+    using Key = MarkdownEditorKeys::Key;
+    const std::pair<const char*, Key> keys[] = {{"newline", Key::newline}, {"lineBreak", Key::lineBreak},
+                                                {"tab", Key::tab}, {"backtab", Key::backtab},
+                                                {"backspace", Key::backspace}};
+    for (const auto& [candidate, key] : keys) {
+        if (name == QLatin1String(candidate))
+            return key;
+    }
+    return std::nullopt;
+}
+
 }
 
 // edit COMMAND [ARGUMENT] --select LOC,LEN FILE|-
-// COMMAND is an editor command's case name, or one of the key operations "newline", "pair"
-// (ARGUMENT: the typed character), "indent", "outdent".
+// COMMAND is an editor command's case name, or one of the key operations "newline" (Return as
+// the editor handles it), "pair" (ARGUMENT: the typed character), or "key" with the key's name:
+// "newline", "lineBreak", "tab", "backtab", "backspace".
 int runEdit(const QStringList& arguments)
 {
     const QString usage = QStringLiteral("usage: velmo-cli edit COMMAND [ARGUMENT] --select LOC,LEN FILE|-");
@@ -57,8 +73,11 @@ int runEdit(const QStringList& arguments)
         return 1;
 
     std::optional<MarkdownEditingCommands::Edit> edit;
-    if (name == QLatin1String("newline")) {
-        edit = MarkdownEditingCommands::newline(*text, selection);
+    if (name == QLatin1String("newline") || name == QLatin1String("key")) {
+        const auto pressed = keyNamed(name == QLatin1String("key") ? argument : name);
+        if (!pressed)
+            return usageError(QStringLiteral("key wants newline, lineBreak, tab, backtab or backspace"));
+        edit = MarkdownEditorKeys::edit(*pressed, *text, selection, {});
     } else if (name == QLatin1String("pair")) {
         if (argument.size() != 1)
             return usageError(QStringLiteral("pair wants the typed character"));

@@ -1,11 +1,12 @@
 // Every editing command over arbitrary text and selection: none may crash, every selection must
 // lie in its new text, and the new text must be the old one with the edit's one mutation made.
 //
-// Input: byte 0 picks the operation, byte 1 its argument, bytes 2-5 the selection (two 16-bit
+// Input: byte 0 picks the operation (a command or a structural key), byte 1 its argument, bytes 2-5 the selection (two 16-bit
 // values, either may point past the text), byte 6 the text's encoding (even: UTF-8, odd: raw
 // UTF-16, which reaches lone surrogates), then the text.
 
 #include "MarkdownEngine/Editing/MarkdownEditingCommands.h"
+#include "MarkdownEngine/Editing/MarkdownEditorKeys.h"
 #include "MarkdownEngine/Editing/MarkdownTableCommand.h"
 
 #include <QString>
@@ -70,7 +71,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const int simpleCount = int(editor_command::Simple::moveLinesDown) + 1;
     const int commandCount = simpleCount + 7;
     static const char pairs[] = "*_`~=$([\"x";
-    switch (which % (commandCount + 5)) {
+    constexpr int operations = 6;
+    switch (which % (commandCount + operations)) {
     case 0: checkEdit(text, Commands::newline(text, selection)); break;
     case 1: checkEdit(text, Commands::pair(text, QChar(pairs[argument % (sizeof(pairs) - 1)]), selection)); break;
     case 2: (void)Commands::tableTSV(text, selection); break;
@@ -79,8 +81,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         (void)Commands::contentIndentation(text, selection.location);
         checkEdit(text, Commands::toggleTaskCheckbox(text, selection.location - 100));
         break;
+    case 5: {
+        // The keys the editor handles itself: Return, Shift+Return, Tab, Shift+Tab, Backspace.
+        const auto key = static_cast<MarkdownEditorKeys::Key>(argument % 5);
+        const MarkdownEditorKeys::Options options{argument % 2 == 0,
+                                                  argument % 3 ? QStringLiteral("    ") : QStringLiteral("\t")};
+        checkEdit(text, MarkdownEditorKeys::edit(key, text, selection, options));
+        break;
+    }
     default:
-        checkEdit(text, Commands::edit(commandFor(which % (commandCount + 5) - 5, argument), text, selection,
+        checkEdit(text, Commands::edit(commandFor(which % (commandCount + operations) - operations, argument), text, selection,
                                        argument % 3 ? QString() : QStringLiteral("ph"),
                                        argument % 2 ? QStringLiteral("\t") : QStringLiteral("  ")));
         break;

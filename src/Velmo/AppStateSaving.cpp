@@ -4,6 +4,7 @@
 
 #include "Editor/Model/NoteTitle.h"
 #include "MarkdownEngine/Core/TextCharacters.h"
+#include "Velmo/EditorLineEnds.h"
 
 #include <QDir>
 #include <QFile>
@@ -286,16 +287,20 @@ void AppState::finishWritesInFlight(const std::vector<OpenDocument*>& list)
     }
 }
 
-void AppState::synchronizeEditorContents(const QString& text, OpenDocument* document, qsizetype caret)
+void AppState::synchronizeEditorContents(const QString& newText, OpenDocument* document, qsizetype caret)
 {
-    if (text == document->text() || document != activeDocument())
+    if (newText == document->text() || document != activeDocument())
         return;
     EditorTextSurface* surface = m_editor.surface();
+    // The surface holds the note with LF line ends; the comparison and the edit are in its terms.
+    const EditorLineEnds ends = EditorLineEnds::of(document->text());
     if (!surface || surface->documentId() != document->id() || surface->isComposing()
-        || surface->surfaceText() != document->text())
+        || ends.toNote(surface->surfaceText()) != document->text())
         return;
     // Replace only what changed, cut at grapheme boundaries, as one undoable step.
-    const QString& old = document->text();
+    const QString old = ends.toEditor(document->text());
+    const QString text = ends.toEditor(newText);
+    caret = ends.toEditorOffset(newText, caret);
     QTextBoundaryFinder oldFinder(QTextBoundaryFinder::Grapheme, old);
     QTextBoundaryFinder newFinder(QTextBoundaryFinder::Grapheme, text);
     qsizetype prefix = 0;

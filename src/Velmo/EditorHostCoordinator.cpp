@@ -57,8 +57,9 @@ void EditorHostCoordinator::setDocument(OpenDocument* document)
 {
     m_document = document;
     m_coordinator.documentId = document ? document->id() : QString();
+    m_lineEnds = EditorLineEnds::of(document ? document->text() : QString());
     m_isEditing = true;
-    m_coordinator.setText(document ? document->text() : QString(), document ? int(document->caret()) : 0);
+    m_coordinator.setText(editorText(), editorCaret());
     m_isEditing = false;
     publish();
 }
@@ -67,12 +68,33 @@ void EditorHostCoordinator::synchronizeDocument()
 {
     if (!m_document || m_isEditing || m_coordinator.isComposing())
         return;
-    if (m_coordinator.text() != m_document->text())
-        m_coordinator.setText(m_document->text(), int(m_document->caret()));
-    const int length = int(m_coordinator.text().size());
-    const int caret = int(std::clamp<qsizetype>(m_document->caret(), 0, length));
+    if (QString text = editorText(); m_coordinator.text() != text) {
+        // A reload may bring other line ends.
+        m_lineEnds = EditorLineEnds::of(m_document->text());
+        text = editorText();
+        if (m_coordinator.text() != text)
+            m_coordinator.setText(text, editorCaret());
+    }
+    const int caret = editorCaret();
     if (m_coordinator.selectedRange().location != caret)
         m_coordinator.select({caret, 0});
+}
+
+QString EditorHostCoordinator::editorText() const
+{
+    return m_document ? m_lineEnds.toEditor(m_document->text()) : QString();
+}
+
+int EditorHostCoordinator::editorCaret() const
+{
+    if (!m_document)
+        return 0;
+    return int(m_lineEnds.toEditorOffset(m_document->text(), m_document->caret()));
+}
+
+qsizetype EditorHostCoordinator::noteCaret() const
+{
+    return m_lineEnds.toNoteOffset(m_coordinator.text(), m_coordinator.selectedRange().location);
 }
 
 void EditorHostCoordinator::publish()
@@ -96,8 +118,8 @@ void EditorHostCoordinator::coordinatorDidChangeText(markdown::MarkdownEditorCoo
     if (!m_document || coordinator.isComposing())
         return;
     m_isEditing = true;
-    m_document->setCaret(coordinator.selectedRange().location);
-    m_document->setText(coordinator.text());
+    m_document->setCaret(noteCaret());
+    m_document->setText(m_lineEnds.toNote(coordinator.text()));
     if (onTextChange)
         onTextChange();
     publish();
@@ -109,7 +131,7 @@ void EditorHostCoordinator::coordinatorDidChangeSelection(markdown::MarkdownEdit
 {
     if (!m_document || coordinator.isComposing())
         return;
-    m_document->setCaret(coordinator.selectedRange().location);
+    m_document->setCaret(noteCaret());
     publish();
 }
 

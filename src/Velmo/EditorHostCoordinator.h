@@ -1,6 +1,7 @@
 #pragma once
 
 #include "MarkdownEngine/Layout/MarkdownEditorCoordinator.h"
+#include "Velmo/EditorLineEnds.h"
 #include "Velmo/OpenDocument.h"
 
 #include <QObject>
@@ -53,12 +54,18 @@ public:
 
 private:
     void publish();
+    // The open note's text and caret as the editor holds them, and the editor's caret as the
+    // note's offset.
+    QString editorText() const;
+    int editorCaret() const;
+    qsizetype noteCaret() const;
     // The window's default wiring of the callbacks.
     void installDefaultCallbacks();
 
     AppState& m_state;
     markdown::MarkdownEditorCoordinator& m_coordinator;
     QPointer<OpenDocument> m_document;
+    EditorLineEnds m_lineEnds;
     bool m_isEditing = false;
     std::optional<markdown::InlineSelectionState> m_formatState;
 };

@@ -5,6 +5,7 @@
 #include "MarkdownEngine/Layout/MarkdownTextView.h"
 #include "MarkdownEngine/Styling/MarkdownFragmentDump.h"
 #include "Velmo/AppState.h"
+#include "Velmo/EditorLineEnds.h"
 #include "Velmo/UIDriver.h"
 #include "Velmo/UIWindowHost.h"
 
@@ -152,7 +153,9 @@ void liveEditorSection(QString& out, AppState& state, const UIWindowHost* host)
     out += "hasMarkedText=" + flag(surface->isComposing()) + " markedRange="
         + (marked ? range(marked->location, marked->length) : QStringLiteral("none")) + "\n";
     const OpenDocument* active = state.activeDocument();
-    out += "modelMatchesBuffer=" + flag(active && active->text() == buffer)
+    // The buffer's line ends are LF; a note written with CRLF keeps its own.
+    const QString noteBuffer = active ? EditorLineEnds::of(active->text()).toNote(buffer) : buffer;
+    out += "modelMatchesBuffer=" + flag(active && active->text() == noteBuffer)
         + " modelChars=" + QString::number(active ? active->text().size() : 0) + "\n";
     QString disk;
     bool readable = false;
@@ -163,7 +166,7 @@ void liveEditorSection(QString& out, AppState& state, const UIWindowHost* host)
         } catch (const editor::MarkdownFileError&) {
         }
     }
-    out += "diskMatchesBuffer=" + flag(readable && disk == buffer) + " diskChars=" + QString::number(disk.size()) + "\n";
+    out += "diskMatchesBuffer=" + flag(readable && disk == noteBuffer) + " diskChars=" + QString::number(disk.size()) + "\n";
     out += "diskHead=" + excerpt(QStringView(disk).left(excerptLength)) + "\n";
 }
 

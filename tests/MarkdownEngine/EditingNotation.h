@@ -78,7 +78,9 @@ inline void check(const EditCommand& command, std::initializer_list<EditCase> ca
 {
     for (const EditCase& c : cases) {
         const Marked before = marked(QString::fromUtf16(c.before));
-        EXPECT_EQ(outcome(before, command(before.text, before.selection)), QString::fromUtf16(c.after))
+        // As UTF-8 strings, so that a failure prints readable text.
+        EXPECT_EQ(outcome(before, command(before.text, before.selection)).toStdString(),
+                  QString::fromUtf16(c.after).toStdString())
             << "before: " << QString::fromUtf16(c.before).toStdString();
     }
 }

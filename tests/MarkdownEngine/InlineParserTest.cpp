@@ -193,6 +193,8 @@ TEST(InlineParser, linksInlineAndByReference)
         {u"[a](b 't')", u"link(b|t){\"a\"}"},
         {u"[a](<b c> \"t\")", u"link(b c|t){\"a\"}"},
         {u"[a](b (t))", u"link(b|t){\"a\"}"},
+        {u"[a](b 't' \"u\")", u"link(b 't'|u){\"a\"}"}, // a double quote wins over an earlier single one
+        {u"[a](b(c) 'd')", u"link(b(c)|d){\"a\"}"},    // a quote wins over an earlier parenthesis
         {u"[a]()", u"link(){\"a\"}"},
         {u"[a](b", u"\"[a](b\""},                        // no fallback to the reference a
         {u"[a]", u"link(/a){\"a\"}"},

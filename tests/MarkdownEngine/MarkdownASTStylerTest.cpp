@@ -335,7 +335,7 @@ TEST(MarkdownASTStyler, StretchesMatchTheWholeNote)
 
 TEST(MarkdownASTStyler, Tables)
 {
-    const QString good = QStringLiteral("| a | b |\n|:--|--:|\n| 1 | 22 |\n\nend");
+    const QString good = QStringLiteral("| a | b |\n|:--|--:|\n| 1 | 22 |\n|| x |\n\nend");
     const auto s = style(good, caretWithLine(good, int(good.size())));
     const auto* table = s->at(Role::table, "| a").front(); // the block, before its first pipe
     ASSERT_TRUE(table);
@@ -344,11 +344,14 @@ TEST(MarkdownASTStyler, Tables)
     EXPECT_TRUE(s->one(Role::tableCell, "a")->attributes.font.isBold());
     EXPECT_EQ(s->one(Role::tableCell, "22")->attributes.depth, 1);
     EXPECT_FLOAT_EQ(s->at(Role::tableRule, "|:--").front()->attributes.paragraph().maximumLineHeight, 1.0f);
-    // Columns line up: the narrower cell's last character is kerned.
+    // Columns line up: the narrower column's last character before its pipe is kerned, and an
+    // empty one kerns its opening pipe, so that it keeps its place.
     const MarkdownStyledText styled = s->result.attributedString.resolved();
-    const auto* one = styled.runAt(int(good.indexOf("| 1")) + 2);
-    EXPECT_TRUE(one->attributes.has(MarkdownTextAttributes::Kern));
-    EXPECT_GT(one->attributes.kern, 0.f);
+    for (const int kerned : {int(good.indexOf("| 1")) + 3, int(good.indexOf("||"))}) {
+        const auto* run = styled.runAt(kerned);
+        EXPECT_TRUE(run->attributes.has(MarkdownTextAttributes::Kern)) << kerned;
+        EXPECT_GT(run->attributes.kern, 0.f) << kerned;
+    }
 
     // A row without a leading pipe: no grid, pipes keep their ink.
     const QString bad = QStringLiteral("| a | b |\n|---|---|\n1 | 2 |\n\nend");

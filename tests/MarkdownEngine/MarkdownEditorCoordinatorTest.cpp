@@ -1,6 +1,7 @@
 #include "MarkdownEngine/Layout/MarkdownEditorCoordinator.h"
 #include "MarkdownEngine/Core/MarkdownOutline.h"
 #include "MarkdownEngine/Layout/MarkdownHeadlessTextView.h"
+#include "MarkdownEngine/Configuration/MarkdownEditorNotifications.h"
 
 #include <QCoreApplication>
 #include <QTextBlock>
@@ -252,4 +253,126 @@ TEST(MarkdownEditorCoordinator, OutlineMatchesTheTextAfterEachEdit)
         e.coordinator.restyleNow();
         EXPECT_EQ(e.coordinator.outlineEntries, MarkdownOutline::entries(e.coordinator.text())) << edit.find;
     }
+}
+
+TEST(MarkdownEditorCoordinator, ACommandIsOneUndoableStepWithItsSelections)
+{
+    using editor_command::Simple;
+    struct Case {
+        const char* name;
+        MarkdownEditorCommand command;
+        const char* selected; // the text selected before, its first occurrence
+        const char* after;
+    };
+    const Case cases[] = {
+        {"bold", Simple::bold, "words", "**words**"},
+        {"heading", editor_command::Heading{2}, "one", "## plain one"},
+        {"bullets over two lines", Simple::bulletList, "one\nplain", "- plain one\n- plain two"},
+        {"move line down", Simple::moveLinesDown, "plain one", "plain two\nplain one"},
+    };
+    const QString text = QStringLiteral("# Title\n\nplain one\nplain two\n\nSome **bold** words.\n");
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const QString selected = QString::fromUtf8(c.selected);
+        const MarkdownSourceRange before{int(text.indexOf(selected)), int(selected.size())};
+        Editor e(text, 0);
+        e.view.insert("x"); // typing before the command stays its own step
+        e.view.undo();
+        e.view.setSelection(before);
+        ASSERT_TRUE(e.coordinator.perform(c.command));
+        const QString changed = e.view.textStorage().text();
+        const MarkdownSourceRange chosen = e.coordinator.selectedRange();
+        EXPECT_TRUE(changed.contains(QLatin1String(c.after))) << changed.toStdString();
+        e.turn();
+        EXPECT_EQ(e.coordinator.document.text, changed);
+
+        e.view.undo();
+        EXPECT_EQ(e.view.textStorage().text(), text);
+        EXPECT_EQ(e.coordinator.selectedRange(), before);
+        e.view.redo();
+        EXPECT_EQ(e.view.textStorage().text(), changed);
+        EXPECT_EQ(e.coordinator.selectedRange(), chosen);
+    }
+}
+
+TEST(MarkdownEditorCoordinator, UndoAfterAnyCommandRestoresTextAndSelection)
+{
+    const QString text = QStringLiteral("# T\n\n- [ ] one **b**\n2. two\n> q `c`\n\n| a | b |\n|---|---|\n| 1 | 2 |\n");
+    const MarkdownSourceRange selections[] = {{0, 0}, {8, 7}, {int(text.size()) - 4, 0}, {0, int(text.size())}};
+    for (int which = 0; which <= int(editor_command::Simple::moveLinesDown); ++which) {
+        const auto command = static_cast<editor_command::Simple>(which);
+        for (const MarkdownSourceRange selection : selections) {
+            SCOPED_TRACE(editor_command::name(command).toStdString() + " at " + std::to_string(selection.location));
+            Editor e(text, 0);
+            e.view.setSelection(selection);
+            // A command that only selects makes no undo step.
+            if (!e.coordinator.perform(command) || e.view.textStorage().text() == text)
+                continue;
+            e.view.undo();
+            EXPECT_EQ(e.view.textStorage().text(), text);
+            EXPECT_EQ(e.coordinator.selectedRange(), selection);
+        }
+    }
+}
+
+TEST(MarkdownEditorCoordinator, TypingAfterACommandIsAStepOfItsOwn)
+{
+    Editor e(QStringLiteral("word"), 0);
+    e.view.setSelection({0, 4});
+    ASSERT_TRUE(e.coordinator.perform(editor_command::Simple::bold));
+    e.view.setSelection({8, 0});
+    e.view.insert("!");
+    e.view.undo();
+    EXPECT_EQ(e.view.textStorage().text(), QStringLiteral("**word**"));
+    e.view.undo();
+    EXPECT_EQ(e.view.textStorage().text(), QStringLiteral("word"));
+    EXPECT_EQ(e.coordinator.selectedRange(), (MarkdownSourceRange{0, 4}));
+}
+
+TEST(MarkdownEditorCoordinator, KeysAndBusRequestsBecomeEdits)
+{
+    Editor e(QStringLiteral("- a"), 3);
+    EXPECT_TRUE(e.coordinator.handleKey(MarkdownEditorKeys::Key::newline));
+    EXPECT_EQ(e.view.textStorage().text(), QStringLiteral("- a\n- "));
+    EXPECT_TRUE(e.coordinator.handleKey(MarkdownEditorKeys::Key::tab));
+    EXPECT_EQ(e.view.textStorage().text(), QStringLiteral("- a\n    - "));
+    EXPECT_TRUE(e.coordinator.handleKey(MarkdownEditorKeys::Key::backtab));
+    EXPECT_TRUE(e.coordinator.handleKey(MarkdownEditorKeys::Key::backspace));
+    EXPECT_EQ(e.view.textStorage().text(), QStringLiteral("- a\n"));
+    EXPECT_FALSE(e.coordinator.handleKey(MarkdownEditorKeys::Key::backspace)) << "an ordinary delete";
+
+    // The bus reaches the editor without the menu knowing it; an absent name turns a path off.
+    e.coordinator.setText(QStringLiteral("word"), 0);
+    e.view.setSelection({0, 4});
+    const MarkdownEditorBus bus = e.coordinator.config.services.bus;
+    MarkdownEditorNotifications::shared().post(*bus.applyBoldRequest);
+    EXPECT_EQ(e.view.textStorage().text(), QStringLiteral("**word**"));
+    MarkdownEditorNotifications::shared().post(*bus.applyHeadingRequest, 3);
+    EXPECT_EQ(e.view.textStorage().text(), QStringLiteral("### **word**"));
+    MarkdownEditorNotifications::shared().post(QStringLiteral("app.velmo.bus.Unknown"));
+    EXPECT_EQ(e.view.textStorage().text(), QStringLiteral("### **word**"));
+
+    // Lists' helpers switched off leave Return to the view.
+    MarkdownEditorConfiguration plain;
+    plain.lists.helpersEnabled = false;
+    e.coordinator.update(plain);
+    e.coordinator.setText(QStringLiteral("- a"), 3);
+    EXPECT_FALSE(e.coordinator.handleKey(MarkdownEditorKeys::Key::newline));
+}
+
+TEST(MarkdownEditorBus, RequestsAndCommandsRoundTrip)
+{
+    using editor_command::Simple;
+    const MarkdownEditorBus bus = MarkdownEditorBus::defaultBus();
+    for (const MarkdownEditorCommand& command : std::initializer_list<MarkdownEditorCommand>{
+             Simple::bold, Simple::italic, Simple::inlineCode, Simple::bulletList, Simple::link, editor_command::Heading{4}}) {
+        const auto request = bus.request(command);
+        ASSERT_TRUE(request) << editor_command::name(command).toStdString();
+        EXPECT_EQ(bus.command(*request, 4), command);
+    }
+    EXPECT_FALSE(bus.request(Simple::moveLinesUp)) << "no request carries it: the menu calls the editor";
+    MarkdownEditorBus off = bus;
+    off.applyBoldRequest.reset();
+    EXPECT_FALSE(off.request(Simple::bold));
+    EXPECT_FALSE(off.command(*bus.applyBoldRequest));
 }

@@ -70,7 +70,7 @@ TEST_F(LiveEditor, TypedTextReachesTheNoteAndTheDisk)
 {
     writeBytes(path("notes/Draft.md"), "# Draft\n");
     const QString script = "openFolder:" + path("notes")
-        + "; activate:Draft; select:8,0; type:A paragraph with **bold** words.\\n\\n## Plans\\n\\n- one\\n- two\\n; "
+        + "; activate:Draft; select:8,0; type:A paragraph with **bold** words.\\n\\n## Plans\\n\\n- one\\ntwo\\n\\n; "
           "wait:1; save; dump; restyle; text";
     const QString dump = run(VELMO_BINARY, {}, environment(script, "offscreen"));
     const QString checked = step(dump, "step 7: dump");
@@ -81,6 +81,38 @@ TEST_F(LiveEditor, TypedTextReachesTheNoteAndTheDisk)
     EXPECT_TRUE(checked.contains("emphasisMarker")) << "the styler's fragments are in force";
     EXPECT_TRUE(dump.contains("restyle — restyle"));
     EXPECT_TRUE(dump.contains("# Draft\nA paragraph with **bold** words.\n\n## Plans\n\n- one\n- two\n"));
+}
+
+TEST_F(LiveEditor, ListsGrowWithReturnAndTabAndMenusFormatTheSelection)
+{
+    writeBytes(path("notes/Draft.md"), "# Draft\n");
+    // Return continues the list, Tab nests the empty item, Return on an empty nested item
+    // brings it back out; then the last word is made bold from the Format menu, and undone.
+    const QString script = "openFolder:" + path("notes")
+        + "; activate:Draft; select:8,0; type:- one\\ntwo\\n\\tnested\\n\\nend; text; select:35,3; "
+          "menu:Format>Bold; text; menu:Edit>Undo; text; wait:1; save; dump";
+    const QString dump = run(VELMO_BINARY, {}, environment(script, "offscreen"));
+    const QString typed = "# Draft\n- one\n- two\n    - nested\n- end";
+    EXPECT_TRUE(dump.contains("text[\n" + typed + "\ntext]")) << dump.left(4000).toStdString();
+    EXPECT_TRUE(dump.contains("menu:Format>Bold — performed Format>Bold"));
+    EXPECT_TRUE(step(dump, "step 6: select").contains("Bold key=Ctrl+B enabled=true checked=false"));
+    EXPECT_TRUE(step(dump, "step 8: text").contains("Bold key=Ctrl+B enabled=true checked=true"))
+        << "the menu ticks the format the caret stands in";
+    EXPECT_TRUE(dump.contains("text[\n# Draft\n- one\n- two\n    - nested\n- **end**\ntext]"));
+    EXPECT_EQ(step(dump, "step 10: text").count(typed), 1) << "undo brings the word back";
+    const QString saved = step(dump, "step 13: dump");
+    EXPECT_TRUE(saved.contains("modelMatchesBuffer=true")) << saved.toStdString();
+    EXPECT_TRUE(saved.contains("diskMatchesBuffer=true"));
+}
+
+TEST_F(LiveEditor, ACRLFNoteKeepsItsLineEnds)
+{
+    writeBytes(path("notes/Draft.md"), "# Draft\r\n\r\n- one\r\n");
+    const QString script = "openFolder:" + path("notes") + "; activate:Draft; select:14,0; type:\\ntwo; wait:1; save; dump";
+    const QString dump = run(VELMO_BINARY, {}, environment(script, "offscreen"));
+    EXPECT_EQ(velmo::test::readBytes(path("notes/Draft.md")), QByteArray("# Draft\r\n\r\n- one\r\n- two\r\n"))
+        << dump.right(3000).toStdString();
+    EXPECT_TRUE(dump.contains("diskMatchesBuffer=true"));
 }
 
 // Pixels near `color`, each channel within `tolerance`.

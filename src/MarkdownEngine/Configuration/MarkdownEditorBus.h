@@ -1,5 +1,7 @@
 #pragma once
 
+#include "MarkdownEngine/Editing/MarkdownEditorCommand.h"
+
 #include <QString>
 #include <optional>
 
@@ -16,6 +18,12 @@ struct MarkdownEditorBus {
 
     // Every name set to "app.velmo.bus." and its tail.
     [[nodiscard]] static MarkdownEditorBus defaultBus();
+
+    // The request that carries `command`, when the bus has one for it and that path is on.
+    // A heading's level travels beside the name.
+    [[nodiscard]] std::optional<QString> request(const MarkdownEditorCommand& command) const;
+    // The command a request asks of the editor; nothing for any other name.
+    [[nodiscard]] std::optional<MarkdownEditorCommand> command(const QString& name, int level = 1) const;
 
     friend bool operator==(const MarkdownEditorBus&, const MarkdownEditorBus&) = default;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "MarkdownEngine/Core/MarkdownMarkerRanges.h"
 #include "MarkdownEngine/Core/MarkdownSourceRange.h"
 
 #include <QString>
@@ -38,8 +39,6 @@ using MarkdownInlineKind = std::variant<inline_kind::Escape, inline_kind::Code, 
                                         inline_kind::ExtensionSpan, inline_kind::Text, inline_kind::Strikethrough,
                                         inline_kind::Highlight, inline_kind::SoftBreak, inline_kind::HardBreak>;
 
-// Marker lists are short (an image has at most four): kept inline, no heap per node.
-using MarkdownMarkerRanges = QVarLengthArray<MarkdownSourceRange, 4>;
 
 struct MarkdownInline {
     MarkdownInlineKind kind;

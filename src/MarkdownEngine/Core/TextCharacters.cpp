@@ -99,10 +99,12 @@ static QStringView trimmedBy(QStringView text, Predicate isSpace)
 {
     qsizetype start = 0;
     qsizetype end = text.size();
-    // Spaces and newlines are all in the BMP, so unit tests suffice.
-    while (start < end && isSpace(text[start].unicode()))
+    // Spaces and newlines are all in the BMP, so unit tests suffice. Printable ASCII is never
+    // one of them: most ends are settled without the category lookup.
+    const auto isSpaceUnit = [&isSpace](char16_t unit) { return (unit <= 0x20 || unit >= 0x7F) && isSpace(unit); };
+    while (start < end && isSpaceUnit(text[start].unicode()))
         ++start;
-    while (end > start && isSpace(text[end - 1].unicode()))
+    while (end > start && isSpaceUnit(text[end - 1].unicode()))
         --end;
     return text.mid(start, end - start);
 }

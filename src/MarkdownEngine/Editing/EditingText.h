@@ -19,4 +19,23 @@ inline qsizetype leadingBlanks(QStringView line)
     return i;
 }
 
+// Quote markers at the line's start, each ">" with the spaces after it: "> > ".
+inline qsizetype quotePrefixLength(QStringView line)
+{
+    qsizetype i = 0;
+    while (i < line.size() && line[i] == u'>') {
+        ++i;
+        while (i < line.size() && line[i] == u' ')
+            ++i;
+    }
+    return i;
+}
+
+// The prefix less its last quote marker: "> > " becomes "> ".
+inline QStringView outerQuotePrefix(QStringView prefix)
+{
+    const qsizetype last = prefix.lastIndexOf(u'>');
+    return last < 0 ? QStringView() : prefix.left(last);
+}
+
 }

@@ -142,6 +142,9 @@ public:
                                                        MarkdownTableCommand command);
     // Re-spaces the whole table under the selection.
     [[nodiscard]] static std::optional<Edit> tidyTable(const QString& text, MarkdownSourceRange selection);
+    // Tab and Shift+Tab in a table: re-spaces it and moves the caret `step` cells on, reading
+    // row by row; past the last cell a new row is added. Nothing outside a table.
+    [[nodiscard]] static std::optional<Edit> moveTableCell(const QString& text, MarkdownSourceRange selection, int step);
     [[nodiscard]] static std::optional<Edit> alignTable(const QString& text, MarkdownSourceRange selection)
     {
         return tidyTable(text, selection);

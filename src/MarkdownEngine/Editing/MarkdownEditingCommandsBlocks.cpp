@@ -20,26 +20,8 @@ namespace {
 
 using editing_text::isBlank;
 using editing_text::leadingBlanks;
-
-
-// Quote markers at the line's start, each ">" with the spaces after it: "> > ".
-qsizetype quotePrefixLength(QStringView line)
-{
-    qsizetype i = 0;
-    while (i < line.size() && line[i] == u'>') {
-        ++i;
-        while (i < line.size() && line[i] == u' ')
-            ++i;
-    }
-    return i;
-}
-
-// The prefix less its last quote marker: "> > " becomes "> ".
-QStringView outerQuotePrefix(QStringView prefix)
-{
-    const qsizetype last = prefix.lastIndexOf(u'>');
-    return last < 0 ? QStringView() : prefix.left(last);
-}
+using editing_text::outerQuotePrefix;
+using editing_text::quotePrefixLength;
 
 // Several replacements, sorted and apart, made as one: the mutation spans from the first to the
 // last. `selection` is in the new text.

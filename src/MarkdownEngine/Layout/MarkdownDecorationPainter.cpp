@@ -4,6 +4,7 @@
 #include "MarkdownEngine/Layout/MarkdownTextStorage.h"
 #include "MarkdownEngine/Styling/MarkdownEditorAttachment.h"
 
+#include <QFontMetricsF>
 #include <QPainter>
 #include <QPainterPath>
 #include <algorithm>
@@ -141,11 +142,14 @@ void MarkdownDecorationPainter::paintTable(QPainter* painter, const MarkdownEdit
         painter->drawLine(QPointF(span.left(), y), QPointF(span.right(), y));
     }
     if (style.showsColumnRules) {
+        // At the pipe's glyph, not the middle of its advance: an empty cell's room is spacing
+        // after its opening pipe.
+        const double pipeHalf = QFontMetricsF(MarkdownTextStorage::font(m_config.bodyFont())).horizontalAdvance(u'|') / 2;
         for (const MarkdownEditorFragment* pipe : m_store->fragments(table.range)) {
             if (pipe->role != Role::table || pipe->range.length != 1 || pipe->priority != 9)
                 continue;
             for (const QRectF& r : m_layout.lineRects(pipe->range)) {
-                const double x = std::round(r.center().x()) + 0.5;
+                const double x = std::round(r.left() + std::min(r.width() / 2, pipeHalf)) + 0.5;
                 painter->drawLine(QPointF(x, r.top()), QPointF(x, r.bottom()));
             }
         }

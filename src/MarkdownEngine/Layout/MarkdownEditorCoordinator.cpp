@@ -90,6 +90,7 @@ MarkdownEditorCoordinator::MarkdownEditorCoordinator(MarkdownTextView& view, Mar
 {
     attachmentFactory->inlineLatexVerticalPadding = config.inlineLatex.verticalPadding;
     textView.applyConfiguration(config);
+    listenToBus();
 }
 
 MarkdownEditorCoordinator::~MarkdownEditorCoordinator() = default;

@@ -5,6 +5,8 @@
 #include "MarkdownEngine/Core/MarkdownSourceEditorState.h"
 #include "MarkdownEngine/Core/MarkdownTextStatistics.h"
 #include "MarkdownEngine/Core/OutlineEntry.h"
+#include "MarkdownEngine/Editing/MarkdownEditingCommands.h"
+#include "MarkdownEngine/Editing/MarkdownEditorKeys.h"
 #include "MarkdownEngine/Layout/EditorReveals.h"
 #include "MarkdownEngine/Styling/MarkdownASTStyler.h"
 #include "MarkdownEngine/Styling/MarkdownEditorAttachmentFactory.h"
@@ -137,6 +139,14 @@ public:
     void textViewDidActivateTag(const QString& tag);
     void textViewDidOpenURL(const QUrl& url);
 
+    // Editing commands and the structural keys, each one undoable change of the text. They
+    // answer whether they changed anything; a key that did not keeps its usual meaning.
+    bool perform(const MarkdownEditorCommand& command);
+    bool handleKey(MarkdownEditorKeys::Key key);
+    bool handleTyped(QChar character);
+    // Makes the edit, when there is one; false without.
+    bool applyEdit(const std::optional<MarkdownEditingCommands::Edit>& edit);
+
     [[nodiscard]] QString text() const;
     [[nodiscard]] MarkdownSourceRange selectedRange() const;
     [[nodiscard]] bool isComposing() const;
@@ -159,6 +169,9 @@ private:
     // Moves the outline over an edit from `before` to `after` that cannot change it; false
     // when the outline must be read again.
     bool shiftOutline(const QString& before, const QString& after);
+    // Requests posted on the bus become commands of this editor.
+    void listenToBus();
+    [[nodiscard]] MarkdownEditorKeys::Options keyOptions() const;
     void tellStatistics();
     void traceStorage(const char* label) const;
     void trace(const MarkdownStyledNote& final) const;

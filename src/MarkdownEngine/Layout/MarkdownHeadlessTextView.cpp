@@ -10,6 +10,7 @@ MarkdownHeadlessTextView::MarkdownHeadlessTextView(QObject* parent)
     : QObject(parent)
     , m_layout(new MarkdownLayoutManager(m_storage))
     , m_painter(*m_layout)
+    , m_undoSelections(*m_storage.document())
 {
     m_storage.document()->setDocumentLayout(m_layout);
     m_storage.document()->setPageSize(QSizeF(900, -1));
@@ -53,10 +54,27 @@ void MarkdownHeadlessTextView::insert(const QString& text)
         m_coordinator->textViewDidChangeSelection();
 }
 
+void MarkdownHeadlessTextView::applyEdit(MarkdownSourceRange range, const QString& replacement,
+                                         MarkdownSourceRange selection)
+{
+    m_undoSelections.beginEdit(selectedRanges().front());
+    m_storage.replace(range, replacement);
+    m_undoSelections.endEdit(selection);
+    m_selection = selection;
+    if (m_coordinator)
+        m_coordinator->textViewDidChangeSelection();
+}
+
 void MarkdownHeadlessTextView::undo()
 {
-    m_storage.document()->undo();
-    m_selection = selectedRanges().front();
+    const auto selection = m_undoSelections.undo([this] { m_storage.document()->undo(); });
+    m_selection = selection.value_or(selectedRanges().front());
+}
+
+void MarkdownHeadlessTextView::redo()
+{
+    const auto selection = m_undoSelections.redo([this] { m_storage.document()->redo(); });
+    m_selection = selection.value_or(selectedRanges().front());
 }
 
 void MarkdownHeadlessTextView::setMarkedText(const QString& text)

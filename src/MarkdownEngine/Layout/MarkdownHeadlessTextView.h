@@ -4,6 +4,7 @@
 #include "MarkdownEngine/Layout/MarkdownLayoutManager.h"
 #include "MarkdownEngine/Layout/MarkdownTextStorage.h"
 #include "MarkdownEngine/Layout/MarkdownTextView.h"
+#include "MarkdownEngine/Layout/MarkdownUndoSelections.h"
 
 #include <QObject>
 
@@ -26,7 +27,9 @@ public:
 
     // Replaces the selection with `text` as one undoable edit; the caret goes after it.
     void insert(const QString& text);
+    // As the widget's: a command's edit undone or redone puts its selection back.
     void undo();
+    void redo();
     // An input method's composition: marked text is not in the storage until committed.
     void setMarkedText(const QString& text);
     void commitMarkedText(const QString& text);
@@ -52,11 +55,13 @@ public:
     void setTemporaryHighlights(std::vector<MarkdownSourceRange> ranges, QColor color) override;
     void applyConfiguration(const MarkdownEditorConfiguration& config) override;
     void scrollRangeToVisible(MarkdownSourceRange) override {}
+    void applyEdit(MarkdownSourceRange range, const QString& replacement, MarkdownSourceRange selection) override;
 
 private:
     MarkdownTextStorage m_storage;
     MarkdownLayoutManager* m_layout; // owned by the storage's document
     MarkdownDecorationPainter m_painter;
+    MarkdownUndoSelections m_undoSelections;
     MarkdownEditorCoordinator* m_coordinator = nullptr;
     MarkdownSourceRange m_selection;
     QString m_marked;

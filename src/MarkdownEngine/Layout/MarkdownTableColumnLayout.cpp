@@ -56,36 +56,48 @@ double measure(const MarkdownStyledText& styled, int offset, MarkdownSourceRange
 
 }
 
+// A column of one row is everything between its two pipes, padding included, so that empty
+// cells and cells padded in the source keep their place. The room a column lacks goes to the
+// segment's last character (its opening pipe when it holds nothing), as letter spacing.
 void MarkdownTableColumnLayout::apply(MarkdownStyledText& text, int offset,
                                       const std::vector<const MarkdownTable*>& tables, const QString& note)
 {
+    struct Segment {
+        int column;
+        double width;
+        int kernAt;
+    };
     std::vector<MarkdownTextAttributes> kerns;
     std::vector<MarkdownSourceRange> ranges;
+    std::vector<Segment> segments;
     for (const MarkdownTable* table : tables) {
         if (!isWellFormed(*table, note))
             continue;
-        std::vector<double> columns(table->alignments.size(), 0.0);
-        std::vector<std::vector<double>> widths;
-        for (const auto& row : table->rows) {
-            auto& rowWidths = widths.emplace_back();
-            for (const MarkdownTableCell& cell : row) {
-                const double w = cell.range.length > 0 ? measure(text, offset, cell.range) : 0;
-                rowWidths.push_back(w);
-                if (size_t(cell.column) < columns.size())
-                    columns[size_t(cell.column)] = std::max(columns[size_t(cell.column)], w);
+        const int columnCount = int(table->alignments.size());
+        std::vector<double> columns(size_t(columnCount), 0.0);
+        segments.clear();
+        for (size_t r = 0; r < table->rowRanges.size(); ++r) {
+            if (r == 1)
+                continue; // the delimiter row is drawn as a rule
+            const MarkdownSourceRange row = table->rowRanges[r].intersection({0, int(note.size())});
+            const std::vector<int> pipes = unescapedPipes(row, note);
+            const int rowEnd = int(chars::lineAt(note, row.location).contentsEnd);
+            for (int c = 0; c < columnCount && size_t(c) < pipes.size(); ++c) {
+                const int start = pipes[size_t(c)] + 1;
+                const int end = size_t(c) + 1 < pipes.size() ? pipes[size_t(c) + 1] : std::min(rowEnd, row.upperBound());
+                if (end < start)
+                    break;
+                const double width = measure(text, offset, MarkdownSourceRange::fromBounds(start, end));
+                segments.push_back({c, width, end > start ? end - 1 : start - 1});
+                columns[size_t(c)] = std::max(columns[size_t(c)], width);
             }
         }
-        for (size_t r = 0; r < table->rows.size(); ++r) {
-            for (size_t c = 0; c < table->rows[r].size(); ++c) {
-                const MarkdownTableCell& cell = table->rows[r][c];
-                if (cell.range.length <= 0 || size_t(cell.column) >= columns.size())
-                    continue;
-                const double lack = columns[size_t(cell.column)] - widths[r][c];
-                if (lack <= 0.01)
-                    continue;
-                kerns.emplace_back().setKern(float(lack));
-                ranges.push_back({cell.range.upperBound() - 1 - offset, 1});
-            }
+        for (const Segment& segment : segments) {
+            const double lack = columns[size_t(segment.column)] - segment.width;
+            if (lack <= 0.01)
+                continue;
+            kerns.emplace_back().setKern(float(lack));
+            ranges.push_back({segment.kernAt - offset, 1});
         }
     }
     std::vector<MarkdownStyledText::Addition> additions;

@@ -4,6 +4,7 @@
 
 #include <QColor>
 #include <QPointF>
+#include <QString>
 #include <vector>
 
 namespace velmo::markdown {
@@ -46,6 +47,9 @@ public:
     virtual void applyConfiguration(const MarkdownEditorConfiguration& config) = 0;
     // Scrolls so that the range is visible.
     virtual void scrollRangeToVisible(MarkdownSourceRange range) = 0;
+    // Replaces `range` by `replacement` as one undoable step and selects `selection`; undoing
+    // the step puts back the selection the view had before it.
+    virtual void applyEdit(MarkdownSourceRange range, const QString& replacement, MarkdownSourceRange selection) = 0;
     virtual void refreshTypingAttributesAtCaret() {}
     virtual void resetInputNotifications() {}
 };

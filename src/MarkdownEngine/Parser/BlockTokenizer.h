@@ -34,6 +34,7 @@ public:
         int quoteDepth = 0;
         int indent = 0;   // leading blanks of `text`: tab 4, space 1
         QStringView text; // the characters of contentRange, a view into the note
+        QStringView trimmed; // `text` trimmed of tabs and Zs; every block parser asks for it
         bool isBlank = true;
     };
     using QuoteMarkers = QVarLengthArray<MarkdownSourceRange, 4>;

@@ -338,9 +338,20 @@ InlineAtomScanner::Destination InlineAtomScanner::splitDestination(QStringView t
             return result;
         }
     }
-    qsizetype quote = trimmed.indexOf(u'"');
-    if (quote < 0)
-        quote = trimmed.indexOf(u'\'');
+    // One pass for the three searches: destinations are short, and most hold none of them.
+    qsizetype doubleQuote = -1;
+    qsizetype singleQuote = -1;
+    qsizetype open = -1;
+    for (qsizetype i = 0; i < trimmed.size() && doubleQuote < 0; ++i) {
+        const char16_t unit = trimmed[i].unicode();
+        if (unit == u'"')
+            doubleQuote = i;
+        else if (unit == u'\'' && singleQuote < 0)
+            singleQuote = i;
+        else if (unit == u'(' && open < 0)
+            open = i;
+    }
+    const qsizetype quote = doubleQuote >= 0 ? doubleQuote : singleQuote;
     if (quote >= 0) {
         Destination result{chars::trimmed(trimmed.left(quote)).toString(), std::nullopt};
         const QStringView second = trimmed.mid(quote + 1);
@@ -348,7 +359,7 @@ InlineAtomScanner::Destination InlineAtomScanner::splitDestination(QStringView t
             result.title = trimmedOf(second, u"\"' ").toString();
         return result;
     }
-    if (const qsizetype open = trimmed.indexOf(u'('); open >= 0 && trimmed.endsWith(u')'))
+    if (open >= 0 && trimmed.endsWith(u')'))
         return {chars::trimmed(trimmed.left(open)).toString(), trimmed.mid(open + 1, trimmed.size() - open - 2).toString()};
     return {trimmed.toString(), std::nullopt};
 }

@@ -20,6 +20,9 @@ bool isFlankingWhitespace(char16_t unit)
 {
     if (unit == 0 || unit == u'\t' || unit == u'\n' || unit == u'\r' || unit == u' ')
         return true;
+    // Below 0x80 only VT and FF are left; the category lookup is for the rest.
+    if (unit < 0x80)
+        return unit == u'\v' || unit == u'\f';
     return !QChar::isSurrogate(unit) && chars::isWhitespaceOrNewline(unit);
 }
 
@@ -46,22 +49,50 @@ constexpr std::array<Stop, 128> stopTable()
 }
 constexpr std::array<Stop, 128> stops = stopTable();
 
+using Frame = InlineParser::Scratch::Frame;
+using EmphasisSpan = InlineParser::Scratch::EmphasisSpan;
+using Level = InlineParser::Scratch::Level;
+
+}
+
 // One range being walked. A link, strikethrough or highlight found by the walk waits in
-// `pending` while a frame above it parses its inner text.
-struct Frame {
+// `pending` while a frame above it parses its inner text. Frames are reused from parse to
+// parse, so their vectors keep their capacity.
+struct InlineParser::Scratch::Frame {
     MarkdownSourceRange range;
     int position = 0;
     std::vector<MarkdownInline> atoms; // by location; their ranges are the claimed ones
-    QVarLengthArray<InlineParser::Delimiter, 16> delimiters;
+    std::vector<InlineParser::Delimiter> delimiters;
     MarkdownInline pending;
+
+    void start(MarkdownSourceRange walked)
+    {
+        range = walked;
+        position = walked.location;
+        atoms.clear();
+        delimiters.clear();
+    }
 };
 
-struct EmphasisSpan {
+struct InlineParser::Scratch::EmphasisSpan {
     MarkdownSourceRange range;
     MarkdownSourceRange content;
     MarkdownEmphasis emphasis;
     int width;
 };
+
+// A level of the merge: the range itself, or an emphasis span whose children are gathered
+// from `start` on in the scratch's gathered list.
+struct InlineParser::Scratch::Level {
+    size_t start;
+    int cursor;
+    const EmphasisSpan* span; // null for the range itself
+};
+
+InlineParser::Scratch::Scratch() = default;
+InlineParser::Scratch::~Scratch() = default;
+
+namespace {
 
 // Walks the frame from where it stopped. The walk visits exactly the units outside claimed
 // ranges, so it collects the emphasis delimiters on the way. Returns the inner range to parse
@@ -81,14 +112,14 @@ std::optional<MarkdownSourceRange> scanAtoms(Frame& frame, InlineAtomScanner& sc
         if (stop == Stop::delimiter) {
             // No atom starts with `*` or `_`, so a run never reaches into a claimed range.
             int runEnd = p + 1;
-            while (runEnd < end && text[runEnd] == unit)
+            while (runEnd < end && units[runEnd] == unit)
                 ++runEnd;
-            const char16_t before = p > 0 ? text[p - 1].unicode() : u'\n';
-            const char16_t after = runEnd < end ? text[runEnd].unicode() : u'\n';
+            const char16_t before = p > 0 ? units[p - 1] : u'\n';
+            const char16_t after = runEnd < end ? units[runEnd] : u'\n';
             // Runs are at least a unit apart, so the rest of the frame holds at most half its
             // units in runs: one reservation instead of a chain of copies on a long paragraph.
             if (frame.delimiters.size() == frame.delimiters.capacity())
-                frame.delimiters.reserve(frame.delimiters.size() + (end - p + 1) / 2);
+                frame.delimiters.reserve(frame.delimiters.size() + size_t(end - p + 1) / 2);
             frame.delimiters.push_back(InlineParser::flanking(unit, p, runEnd - p, before, after));
             p = runEnd;
             continue;
@@ -103,8 +134,6 @@ std::optional<MarkdownSourceRange> scanAtoms(Frame& frame, InlineAtomScanner& sc
             return frame.pending.contentRange;
         }
         p = atom->node.range.upperBound();
-        if (frame.atoms.empty())
-            frame.atoms.reserve(8);
         frame.atoms.push_back(std::move(atom->node));
     }
     frame.position = end;
@@ -112,20 +141,19 @@ std::optional<MarkdownSourceRange> scanAtoms(Frame& frame, InlineAtomScanner& sc
 }
 
 // Any closer closes the opener on top of the stack; both runs are used up whole.
-using EmphasisSpans = QVarLengthArray<EmphasisSpan, 8>;
-
-EmphasisSpans matchEmphasis(const QVarLengthArray<InlineParser::Delimiter, 16>& delimiters)
+void matchEmphasis(const std::vector<InlineParser::Delimiter>& delimiters, std::vector<EmphasisSpan>& spans,
+                   std::vector<qsizetype>& openers)
 {
-    EmphasisSpans spans;
-    QVarLengthArray<qsizetype, 16> openers;
+    spans.clear();
+    openers.clear();
     // Each span uses up two runs; reserving the bounds spares regrowth copies.
     spans.reserve(delimiters.size() / 2);
     openers.reserve(delimiters.size());
-    for (qsizetype i = 0; i < delimiters.size(); ++i) {
+    for (qsizetype i = 0; i < qsizetype(delimiters.size()); ++i) {
         const InlineParser::Delimiter& closer = delimiters[i];
         if (closer.canClose && !openers.empty()) {
             const InlineParser::Delimiter& opener = delimiters[openers.back()];
-            openers.removeLast();
+            openers.pop_back();
             const int width = opener.count >= 2 && closer.count >= 2 ? 2 : 1;
             const MarkdownEmphasis emphasis = opener.count > 2 && closer.count > 2 ? MarkdownEmphasis::boldItalic
                 : width == 2                                                      ? MarkdownEmphasis::bold
@@ -138,9 +166,11 @@ EmphasisSpans matchEmphasis(const QVarLengthArray<InlineParser::Delimiter, 16>& 
         }
     }
     // Pairs nest or are disjoint, so by location a parent stands before what it holds.
-    std::sort(spans.begin(), spans.end(),
-              [](const EmphasisSpan& a, const EmphasisSpan& b) { return a.range.location < b.range.location; });
-    return spans;
+    const auto byLocation = [](const EmphasisSpan& a, const EmphasisSpan& b) {
+        return a.range.location < b.range.location;
+    };
+    if (!std::is_sorted(spans.begin(), spans.end(), byLocation))
+        std::sort(spans.begin(), spans.end(), byLocation);
 }
 
 void appendText(std::vector<MarkdownInline>& into, int from, int to)
@@ -152,38 +182,45 @@ void appendText(std::vector<MarkdownInline>& into, int from, int to)
 // Atoms and emphasis in location order, each at or after the cursor of the level it falls
 // in, gaps as text. An emphasis span is a level of its own: what lies in its content becomes
 // its children, which is what parsing that content again would give.
-std::vector<MarkdownInline> merged(std::vector<MarkdownInline>& atoms, const EmphasisSpans& spans,
-                                   MarkdownSourceRange range)
+std::vector<MarkdownInline> merged(std::vector<MarkdownInline>& atoms, const std::vector<EmphasisSpan>& spans,
+                                   MarkdownSourceRange range, std::vector<Level>& levels,
+                                   std::vector<MarkdownInline>& gathered)
 {
+    std::vector<MarkdownInline> top;
     if (atoms.empty() && spans.empty()) {
-        std::vector<MarkdownInline> text;
-        text.emplace_back(inline_kind::Text{}, range);
-        return text;
+        top.reserve(1);
+        top.emplace_back(inline_kind::Text{}, range);
+        return top;
     }
-    struct Level {
-        std::vector<MarkdownInline> inlines;
-        int cursor;
-        const EmphasisSpan* span; // null for the range itself
-    };
-    QVarLengthArray<Level, 8> levels;
-    levels.push_back({{}, range.location, nullptr});
     // Each item brings at most one gap before it: reserving the bound spares the regrowth of a
     // large vector, and pages never written are never touched.
-    levels.back().inlines.reserve(2 * (atoms.size() + spans.size()) + 1);
-    const auto closeLevel = [&levels] {
-        Level level = std::move(levels.back());
-        levels.removeLast();
+    top.reserve(2 * (atoms.size() + spans.size()) + 1);
+    levels.clear();
+    gathered.clear();
+    levels.push_back({0, range.location, nullptr});
+    const auto inlinesOf = [&](const Level& level) -> std::vector<MarkdownInline>& {
+        return level.span ? gathered : top;
+    };
+    // The children of an emphasis level are the tail of `gathered`; they move into a vector
+    // of exactly their number.
+    const auto closeLevel = [&] {
+        const Level level = levels.back();
+        levels.pop_back();
         const EmphasisSpan& span = *level.span;
-        appendText(level.inlines, level.cursor, span.content.upperBound());
+        appendText(gathered, level.cursor, span.content.upperBound());
+        std::vector<MarkdownInline> children;
+        children.reserve(gathered.size() - level.start);
+        std::move(gathered.begin() + qsizetype(level.start), gathered.end(), std::back_inserter(children));
+        gathered.erase(gathered.begin() + qsizetype(level.start), gathered.end());
         Level& parent = levels.back();
-        parent.inlines.emplace_back(inline_kind::Emphasis{span.emphasis}, span.range, span.content,
-                                    MarkdownMarkerRanges{{span.range.location, span.width},
-                                                         {span.content.upperBound(), span.width}},
-                                    std::move(level.inlines));
+        inlinesOf(parent).emplace_back(inline_kind::Emphasis{span.emphasis}, span.range, span.content,
+                                       MarkdownMarkerRanges{{span.range.location, span.width},
+                                                            {span.content.upperBound(), span.width}},
+                                       std::move(children));
         parent.cursor = span.range.upperBound();
     };
     size_t atom = 0;
-    qsizetype span = 0;
+    size_t span = 0;
     while (atom < atoms.size() || span < spans.size()) {
         // Atoms came first in the list the two are merged from, so they win ties.
         const bool takeSpan = span < spans.size()
@@ -200,21 +237,22 @@ std::vector<MarkdownInline> merged(std::vector<MarkdownInline>& atoms, const Emp
                 ++atom;
             continue;
         }
-        appendText(level.inlines, level.cursor, location);
+        std::vector<MarkdownInline>& into = inlinesOf(level);
+        appendText(into, level.cursor, location);
         level.cursor = location;
         if (takeSpan) {
-            levels.push_back({{}, spans[span].content.location, &spans[span]});
+            levels.push_back({gathered.size(), spans[span].content.location, &spans[span]});
             ++span;
         } else {
             level.cursor = atoms[atom].range.upperBound();
-            level.inlines.push_back(std::move(atoms[atom]));
+            into.push_back(std::move(atoms[atom]));
             ++atom;
         }
     }
     while (levels.size() > 1)
         closeLevel();
-    appendText(levels.back().inlines, levels.back().cursor, range.upperBound());
-    return std::move(levels.back().inlines);
+    appendText(top, levels.back().cursor, range.upperBound());
+    return top;
 }
 
 }
@@ -251,6 +289,12 @@ InlineParser::Delimiter InlineParser::flanking(char16_t character, int location,
 
 std::vector<MarkdownInline> InlineParser::parse(MarkdownSourceRange range, const Context& context)
 {
+    Scratch scratch;
+    return parse(range, context, scratch);
+}
+
+std::vector<MarkdownInline> InlineParser::parse(MarkdownSourceRange range, const Context& context, Scratch& scratch)
+{
     const MarkdownSourceRange clipped = range.intersection({0, int(context.ns.size())});
     if (clipped.length < 1)
         return {};
@@ -258,21 +302,27 @@ std::vector<MarkdownInline> InlineParser::parse(MarkdownSourceRange range, const
     InlineAtomScanner scanner(context, index);
     // Inner ranges are walked as frames on this stack; an inner range lies between its
     // opener and closer, so the walk as a whole moves forward through the text and each unit
-    // is walked once.
-    QVarLengthArray<Frame, 2> frames;
-    frames.push_back({clipped, clipped.location, {}, {}, {}});
+    // is walked once. Frames are addressed by depth: the vector may move them as it grows.
+    std::vector<Frame>& frames = scratch.m_frames;
+    size_t depth = 0;
+    if (frames.empty())
+        frames.emplace_back();
+    frames[0].start(clipped);
     while (true) {
-        if (const std::optional<MarkdownSourceRange> inner = scanAtoms(frames.back(), scanner, context.ns)) {
-            frames.push_back({*inner, inner->location, {}, {}, {}});
+        if (const std::optional<MarkdownSourceRange> inner = scanAtoms(frames[depth], scanner, context.ns)) {
+            if (++depth == frames.size())
+                frames.emplace_back();
+            frames[depth].start(*inner);
             continue;
         }
-        Frame& frame = frames.back();
+        Frame& frame = frames[depth];
+        matchEmphasis(frame.delimiters, scratch.m_spans, scratch.m_openers);
         std::vector<MarkdownInline> inlines =
-            merged(frame.atoms, matchEmphasis(frame.delimiters), frame.range);
-        frames.removeLast();
-        if (frames.empty())
+            merged(frame.atoms, scratch.m_spans, frame.range, scratch.m_levels, scratch.m_gathered);
+        frame.atoms.clear();
+        if (depth == 0)
             return inlines;
-        Frame& parent = frames.back();
+        Frame& parent = frames[--depth];
         parent.pending.children = std::move(inlines);
         parent.position = parent.pending.range.upperBound();
         parent.atoms.push_back(std::move(parent.pending));

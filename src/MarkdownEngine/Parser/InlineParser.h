@@ -55,8 +55,32 @@ public:
         bool canClose = false;
     };
 
+    // Buffers that successive parses reuse, so that a note parsed block by block allocates
+    // little beyond the trees it keeps. Belongs to one thread at a time.
+    class Scratch {
+    public:
+        struct Frame;
+        struct EmphasisSpan;
+        struct Level;
+
+        Scratch();
+        ~Scratch();
+        Scratch(const Scratch&) = delete;
+        Scratch& operator=(const Scratch&) = delete;
+
+    private:
+        friend class InlineParser;
+        std::vector<Frame> m_frames;           // one per nesting depth ever reached
+        std::vector<EmphasisSpan> m_spans;
+        std::vector<qsizetype> m_openers;
+        std::vector<Level> m_levels;
+        std::vector<MarkdownInline> m_gathered; // children of the open emphasis levels, in order
+    };
+
     // The range is clipped to the text; an empty result gives no inlines.
     [[nodiscard]] static std::vector<MarkdownInline> parse(MarkdownSourceRange range, const Context& context);
+    [[nodiscard]] static std::vector<MarkdownInline> parse(MarkdownSourceRange range, const Context& context,
+                                                           Scratch& scratch);
     // The same, in the range-free form, text taken from the source.
     [[nodiscard]] static std::vector<MarkdownInlineNode> nodes(MarkdownSourceRange range, const Context& context);
     // The flanking rules of a run, given the units before and after it (LF at the edges).
