@@ -52,3 +52,43 @@ TEST(MarkdownTextStatistics, rangesAndReadingTime)
         EXPECT_EQ(stats.totalWords(), m.words + m.cjk);
     }
 }
+
+// An edit's counts from the previous ones must match counting the new text afresh: edits that
+// join or split words, lines and surrogate pairs, at either end and with no line break at all.
+TEST(MarkdownTextStatistics, remeasuredAfterAnEdit)
+{
+    struct Edit {
+        const char16_t* before;
+        int at, removed;
+        const char16_t* inserted;
+    };
+    const Edit edits[] = {
+        {u"one two\nthree four\nfive", 12, 0, u"x"},
+        {u"one two\nthree four\nfive", 7, 1, u""},        // joins two lines into one word
+        {u"one two\nthree four\nfive", 3, 0, u"\n"},
+        {u"don't\nwell known", 10, 1, u"-"},             // a joiner makes one word of two
+        {u"it's\n", 2, 1, u""},
+        {u"abc", 0, 0, u"x y "},
+        {u"abc\n", 4, 0, u"d e"},
+        {u"x \U0001F600\ny", 2, 1, u""},                 // half a surrogate pair removed
+        {u"\u4E2D\u6587\n\u4E2D", 1, 0, u"ab"},
+        {u"one\r\ntwo\r\nthree", 5, 3, u"2"},
+        {u"a\n\nb", 2, 0, u"c"},
+    };
+    for (const Edit& e : edits) {
+        const QString before = QString::fromUtf16(e.before);
+        const QString after = QString(before).replace(e.at, e.removed, QString::fromUtf16(e.inserted));
+        // The changed stretch as the common start and end bound it.
+        qsizetype prefix = 0;
+        while (prefix < std::min(before.size(), after.size()) && before[prefix] == after[prefix])
+            ++prefix;
+        qsizetype suffix = 0;
+        while (suffix < std::min(before.size(), after.size()) - prefix
+               && before[before.size() - 1 - suffix] == after[after.size() - 1 - suffix])
+            ++suffix;
+        const auto previous = MarkdownTextStatistics::measure(before, {0, int(before.size())});
+        const auto remeasured = MarkdownTextStatistics::remeasured(
+            previous, before, after, MarkdownSourceRange::fromBounds(int(prefix), int(after.size() - suffix)));
+        EXPECT_EQ(remeasured, MarkdownTextStatistics::measure(after, {0, int(after.size())})) << after.toStdString();
+    }
+}

@@ -3,6 +3,7 @@
 #include "MarkdownEngine/Core/TextCharacters.h"
 
 #include <QChar>
+#include <algorithm>
 #include <cmath>
 
 namespace velmo::markdown {
@@ -93,6 +94,29 @@ MarkdownTextStatistics MarkdownTextStatistics::measure(QStringView text, Markdow
             break;
         }
     }
+    return result;
+}
+
+MarkdownTextStatistics MarkdownTextStatistics::remeasured(const MarkdownTextStatistics& previous, QStringView before,
+                                                          QStringView after, MarkdownSourceRange changed)
+{
+    const qsizetype delta = before.size() - after.size();
+    const qsizetype prefix = std::clamp<qsizetype>(changed.location, 0, after.size());
+    const qsizetype changedEnd = std::clamp<qsizetype>(changed.upperBound(), prefix, after.size());
+    // From the start of the line of the change to the end of the line of its end, terminator
+    // included, in both texts: a LF classes as neither word nor joiner, so it ends any word.
+    const qsizetype start = prefix == 0 ? 0 : after.lastIndexOf(u'\n', prefix - 1) + 1;
+    const qsizetype lineBreak = after.indexOf(u'\n', changedEnd);
+    const qsizetype afterEnd = lineBreak < 0 ? after.size() : lineBreak + 1;
+    const qsizetype beforeEnd = afterEnd + delta;
+    if (beforeEnd < start || beforeEnd > before.size())
+        return measure(after, {0, int(after.size())}, false);
+    const MarkdownTextStatistics gone = measure(before, MarkdownSourceRange::fromBounds(int(start), int(beforeEnd)));
+    const MarkdownTextStatistics come = measure(after, MarkdownSourceRange::fromBounds(int(start), int(afterEnd)));
+    MarkdownTextStatistics result;
+    result.words = previous.words - gone.words + come.words;
+    result.characters = previous.characters - gone.characters + come.characters;
+    result.cjkCharacters = previous.cjkCharacters - gone.cjkCharacters + come.cjkCharacters;
     return result;
 }
 

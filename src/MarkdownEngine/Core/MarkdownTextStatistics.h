@@ -18,6 +18,12 @@ struct MarkdownTextStatistics {
     [[nodiscard]] static MarkdownTextStatistics empty() { return {}; }
     [[nodiscard]] static MarkdownTextStatistics measure(QStringView text, MarkdownSourceRange range,
                                                         bool isSelection = false);
+    // The counts of the whole of `after`, from `previous`, those of the whole of `before`, and
+    // the stretch of `after` that differs from it (`changed`, between the common start and
+    // end). Only the lines around the change are read: counting starts afresh after a line
+    // break, so the rest counts the same in both.
+    [[nodiscard]] static MarkdownTextStatistics remeasured(const MarkdownTextStatistics& previous, QStringView before,
+                                                           QStringView after, MarkdownSourceRange changed);
     [[nodiscard]] static bool isWide(char32_t c);
 
     [[nodiscard]] int totalWords() const { return words + cjkCharacters; }

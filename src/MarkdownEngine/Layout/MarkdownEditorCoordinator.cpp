@@ -5,11 +5,14 @@
 #include "MarkdownEngine/Layout/MarkdownTextStorage.h"
 #include "MarkdownEngine/Layout/MarkdownTextView.h"
 
+#include <QCoreApplication>
 #include <QDebug>
+#include <QEvent>
 #include <QMetaObject>
 #include <QStringList>
 #include <QTextBlock>
 #include <algorithm>
+#include <cstring>
 
 namespace velmo::markdown {
 
@@ -43,18 +46,31 @@ MarkdownSourceRange wholeLines(QStringView text, MarkdownSourceRange range)
     return MarkdownSourceRange::fromBounds(int(first.start), int(last.end));
 }
 
-// What `after` has in place of `before` between their common start and common end.
+// What `after` has in place of `before` between their common start and common end. Whole
+// blocks are compared with memcmp first: a keystroke leaves a megabyte on either side.
 MarkdownSourceRange changed(QStringView before, QStringView after)
 {
+    constexpr qsizetype block = 256;
+    const QChar* a = before.data();
+    const QChar* b = after.data();
     const qsizetype limit = std::min(before.size(), after.size());
     qsizetype prefix = 0;
-    while (prefix < limit && before[prefix] == after[prefix])
+    while (prefix + block <= limit && std::memcmp(a + prefix, b + prefix, block * sizeof(QChar)) == 0)
+        prefix += block;
+    while (prefix < limit && a[prefix] == b[prefix])
         ++prefix;
+    const QChar* aEnd = a + before.size();
+    const QChar* bEnd = b + after.size();
     qsizetype suffix = 0;
-    while (suffix < limit - prefix && before[before.size() - 1 - suffix] == after[after.size() - 1 - suffix])
+    while (suffix + block <= limit - prefix
+           && std::memcmp(aEnd - suffix - block, bEnd - suffix - block, block * sizeof(QChar)) == 0)
+        suffix += block;
+    while (suffix < limit - prefix && aEnd[-1 - suffix] == bEnd[-1 - suffix])
         ++suffix;
     return MarkdownSourceRange::fromBounds(int(prefix), int(after.size() - suffix));
 }
+
+const QEvent::Type releaseEvent = QEvent::Type(QEvent::registerEventType());
 
 QString describe(const MarkdownStyledText::Run& run)
 {
@@ -195,8 +211,11 @@ void MarkdownEditorCoordinator::restyleNow()
         textView.refreshTypingAttributesAtCaret();
         return;
     }
-    if (!sameDocument)
-        document = MarkdownDocument::parse(t, parseOptions);
+    if (!sameDocument) {
+        MarkdownDocument parsed = MarkdownDocument::parse(t, parseOptions);
+        std::swap(document, parsed);
+        retire(std::move(parsed));
+    }
     editorState = makeEditorState();
     lastHighlightedCode = highlightedCode();
     MarkdownASTStyler::Result result = MarkdownASTStyler::style(request());
@@ -216,12 +235,46 @@ void MarkdownEditorCoordinator::restyleNow()
 
 void MarkdownEditorCoordinator::installStore(MarkdownEditorFragmentStore store)
 {
-    fragments = std::move(store);
+    std::swap(fragments, store);
+    retire(std::move(store));
     selectionOverlay = {};
     overlayRanges.clear();
     textView.installSelectionOverlay(selectionOverlay, overlayRanges);
     selectionSensitiveRanges.clear();
     textView.installFragments(fragments);
+}
+
+void MarkdownEditorCoordinator::retire(MarkdownDocument&& old)
+{
+    // A second pass before the release ran frees the older one here.
+    m_retiredDocument = std::move(old);
+    postRelease();
+}
+
+void MarkdownEditorCoordinator::retire(MarkdownEditorFragmentStore&& old)
+{
+    m_retiredStore = std::move(old);
+    postRelease();
+}
+
+void MarkdownEditorCoordinator::postRelease()
+{
+    if (m_releasePosted)
+        return;
+    m_releasePosted = true;
+    // Low priority, as the widget's repaint is posted: queued behind it, the release comes
+    // after the frame the pass was made for.
+    QCoreApplication::postEvent(this, new QEvent(releaseEvent), Qt::LowEventPriority);
+}
+
+bool MarkdownEditorCoordinator::event(QEvent* event)
+{
+    if (event->type() != releaseEvent)
+        return QObject::event(event);
+    m_releasePosted = false;
+    m_retiredDocument = {};
+    m_retiredStore = {};
+    return true;
 }
 
 MarkdownSourceRange MarkdownEditorCoordinator::changedTextRange() const
@@ -651,8 +704,13 @@ MarkdownTextStatistics MarkdownEditorCoordinator::measureStatistics()
     }
     if (cachedStatisticsRevision != textRevision) {
         ++statisticsMeasurementCount;
-        cachedDocumentStatistics = MarkdownTextStatistics::measure(t, {0, int(t.size())}, false);
+        if (cachedStatisticsRevision < 0 || m_statisticsText.isNull())
+            cachedDocumentStatistics = MarkdownTextStatistics::measure(t, {0, int(t.size())}, false);
+        else if (m_statisticsText != t)
+            cachedDocumentStatistics = MarkdownTextStatistics::remeasured(cachedDocumentStatistics, m_statisticsText, t,
+                                                                          changed(m_statisticsText, t));
         cachedStatisticsRevision = textRevision;
+        m_statisticsText = t;
     }
     return cachedDocumentStatistics;
 }

@@ -158,7 +158,15 @@ public:
     [[nodiscard]] MarkdownSourceRange dirtyRange(const std::vector<MarkdownSourceRange>& activeLines) const;
     [[nodiscard]] MarkdownSourceRange changedTextRange() const;
 
+protected:
+    bool event(QEvent* event) override;
+
 private:
+    // Replaced trees and stores are freed after the frame, not on the keystroke's path: a
+    // large note's take a tenth of a pass to free, and nothing reads them once replaced.
+    void retire(MarkdownDocument&& old);
+    void retire(MarkdownEditorFragmentStore&& old);
+    void postRelease();
     QHash<QString, MarkdownStyledText> highlightedCode();
     void apply(const MarkdownASTStyler::Result& result, const std::vector<MarkdownSourceRange>& activeLines,
                bool forceAllAttributes);
@@ -179,6 +187,11 @@ private:
     [[nodiscard]] MarkdownTextAttributes baseAttributes() const;
 
     bool m_traceStyle = false;
+    MarkdownDocument m_retiredDocument;
+    MarkdownEditorFragmentStore m_retiredStore;
+    bool m_releasePosted = false;
+    // The text `cachedDocumentStatistics` counts: the next count reads only the lines changed since.
+    QString m_statisticsText;
 };
 
 }

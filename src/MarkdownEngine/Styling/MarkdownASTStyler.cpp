@@ -111,12 +111,19 @@ MarkdownASTStyler::RangePredicate MarkdownASTStyler::formulaVisibility(const Req
 std::optional<MarkdownSourceRange> MarkdownASTStyler::formulaUnderSelection(const MarkdownSourceEditorState& state,
                                                                             const MarkdownEditorFragmentStore& store)
 {
-    // Fragments are in location order: the first touched is the lowest.
-    for (const MarkdownEditorFragment& f : store.fragments()) {
-        if (f.role == Role::latex && touches(state.selectedRanges, f.range))
-            return f.range;
+    // Fragments are in location order: the first touched is the lowest. Each selection asks
+    // the store for its own stretch rather than walking every fragment of the note.
+    const MarkdownEditorFragment* first = nullptr;
+    for (const MarkdownSourceRange& s : state.selectedRanges) {
+        const MarkdownSourceRange near = s.length > 0 ? s : MarkdownSourceRange{s.location, 1};
+        for (const MarkdownEditorFragment* f : store.fragments(near)) {
+            if (f->role == Role::latex && touches(state.selectedRanges, f->range) && (!first || f < first)) {
+                first = f;
+                break;
+            }
+        }
     }
-    return std::nullopt;
+    return first ? std::optional(first->range) : std::nullopt;
 }
 
 MarkdownASTStyler::BlockContext MarkdownASTStyler::makeContext(const Request& request,
