@@ -35,6 +35,22 @@ TEST(MarkdownOutline, entriesSkipFencesAndStripSpans)
     EXPECT_EQ(MarkdownOutline::range({1, 0, 0, QStringLiteral("long title")}, u"# a"), (MarkdownSourceRange{0, 3}));
 }
 
+// Lines are told apart by every terminator, and a line's leading space may be any the trim
+// takes: lines passed over without reading must be exactly those that cannot count.
+TEST(MarkdownOutline, entriesAfterEveryKindOfLineStart)
+{
+    const QString text = QString::fromUtf16(u"x\u2028# A\rx\u0085\u3000# B\u2029\v\f# C\r\n\t~~~\n# no\n ~~~\n"
+                                            u"\u00A0# D\nx # no\n#");
+    QStringList titles;
+    QList<int> starts;
+    for (const OutlineEntry& entry : MarkdownOutline::entries(text)) {
+        titles << entry.title;
+        starts << entry.lineStart;
+    }
+    EXPECT_EQ(titles, (QStringList{u"A"_qs, u"B"_qs, u"C"_qs, u"D"_qs, u"Untitled"_qs}));
+    EXPECT_EQ(starts, (QList<int>{2, 8, 13, 35, 47}));
+}
+
 TEST(MarkdownCallout, detect)
 {
     EXPECT_EQ(MarkdownCallout::detect(u"> [!warning] Hot")->title(), QStringLiteral("Warning"));

@@ -19,6 +19,24 @@ std::optional<int> MarkdownOutline::headingLevel(QStringView trimmed)
     return int(run);
 }
 
+namespace {
+
+// LF, CR, NEL, U+2028 and U+2029: what ends a line (chars::terminatorLength).
+bool isTerminator(char16_t c)
+{
+    return c <= 0x0D ? c == u'\n' || c == u'\r' : c == 0x85 || (c | 1) == 0x2029;
+}
+
+// What chars::trimmed strips from a line's start: whitespace and the newlines that end no line.
+bool isLeadingSpace(char16_t c)
+{
+    if (c == u' ' || c == u'\t' || c == 0x0B || c == 0x0C)
+        return true;
+    return c >= 0x80 && chars::isWhitespace(c);
+}
+
+}
+
 std::vector<OutlineEntry> MarkdownOutline::entries(QStringView text)
 {
     static const QRegularExpression spanTag(QStringLiteral("</?span\\b[^>]*>"),
@@ -26,7 +44,23 @@ std::vector<OutlineEntry> MarkdownOutline::entries(QStringView text)
     std::vector<OutlineEntry> result;
     bool inFence = false;
     qsizetype start = 0;
-    while (start < text.size()) {
+    const char16_t* units = text.utf16();
+    const qsizetype size = text.size();
+    while (start < size) {
+        // Only a line whose first unit past the leading space is `#`, a backtick or `~` can
+        // be a heading or a fence: every other line is passed over in one tight loop, which
+        // is what keeps a large note's outline cheap.
+        qsizetype i = start;
+        while (i < size && isLeadingSpace(units[i]))
+            ++i;
+        if (i >= size)
+            break;
+        if (units[i] != u'#' && units[i] != u'`' && units[i] != u'~') {
+            while (i < size && !isTerminator(units[i]))
+                ++i;
+            start = i + chars::terminatorLength(text, i);
+            continue;
+        }
         const chars::LineBounds line = chars::lineAt(text, start);
         const QStringView content = text.mid(line.start, line.contentsEnd - line.start);
         start = line.end;
