@@ -5,6 +5,7 @@
 #include <QTextBlock>
 #include <QTextCursor>
 #include <algorithm>
+#include <utility>
 
 namespace velmo::markdown {
 
@@ -37,11 +38,19 @@ MarkdownTextStorage::MarkdownTextStorage()
     m_document->setUndoRedoEnabled(true);
     m_document->setDocumentMargin(0);
     QObject::connect(m_document.get(), &QTextDocument::contentsChange, m_document.get(),
-                     [this](int, int, int) {
+                     [this](int position, int removed, int added) {
                          // Attribute writes mark lines dirty too, and leave the text as it is.
-                         if (!m_writingAttributes)
-                             m_textValid = false;
+                         if (!m_writingAttributes && m_textValid) {
+                             patchText(position, removed, added);
+                             m_patched = true;
+                         }
                      });
+    // The document reports where it changed only while it has a layout: a change heard
+    // without it leaves the text to be rebuilt.
+    QObject::connect(m_document.get(), &QTextDocument::contentsChanged, m_document.get(), [this] {
+        if (!std::exchange(m_patched, false) && !m_writingAttributes)
+            m_textValid = false;
+    });
 }
 
 MarkdownTextStorage::~MarkdownTextStorage() = default;
@@ -57,9 +66,29 @@ const QString& MarkdownTextStorage::text() const
     return m_text;
 }
 
+void MarkdownTextStorage::patchText(int position, int removed, int added)
+{
+    // A keystroke patches the cached text: rebuilding it reads the whole note. A large change,
+    // or one Qt reports past the end of the text (as it does for the last block's separator),
+    // rebuilds it on the next read.
+    constexpr int largestPatch = 4096;
+    const int size = m_document->characterCount() - 1;
+    if (position < 0 || removed < 0 || added < 0 || added > largestPatch || position + removed > m_text.size()
+        || position + added > size || m_text.size() - removed + added != size) {
+        m_textValid = false;
+        return;
+    }
+    QString inserted(added, Qt::Uninitialized);
+    for (int i = 0; i < added; ++i) {
+        const QChar c = m_document->characterAt(position + i);
+        inserted[i] = c == QChar::ParagraphSeparator ? QChar(u'\n') : c;
+    }
+    m_text.replace(position, removed, inserted);
+}
+
 void MarkdownTextStorage::noteTextChanged()
 {
-    m_textValid = false;
+    // The text itself was brought up to date as the document reported the change.
     ++m_textRevision;
 }
 

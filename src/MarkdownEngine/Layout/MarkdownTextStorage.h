@@ -64,6 +64,8 @@ public:
     void noteTextChanged();
 
 private:
+    // Brings the cached text over a change the document reported, or marks it stale.
+    void patchText(int position, int removed, int added);
     void writeBlock(QTextBlock block, const MarkdownStyledText& styled, int offset);
     // charFormat(attributes), from the last few sets written when it is one of them: a note's
     // runs come back to the same few sets, and each format made costs a handful of allocations.
@@ -74,6 +76,7 @@ private:
     std::unique_ptr<QTextDocument> m_document;
     mutable QString m_text;
     mutable bool m_textValid = false;
+    bool m_patched = false; // the current change's report has patched the text
     bool m_writingAttributes = false;
     int m_textRevision = 0;
 };
