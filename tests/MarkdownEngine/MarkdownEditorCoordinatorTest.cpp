@@ -239,6 +239,9 @@ TEST(MarkdownEditorCoordinator, OutlineMatchesTheTextAfterEachEdit)
         {"plain", 0, "\n# Made"},      // a new line that is a heading
         {"# Made", 0, " longer"},      // a heading's own line
         {"intro ", 0, "#tag "},        // a "#" on a plain line
+        {"#tag", 0, "s"},              // an edit on a line with a "#" past its start
+        {"\n", 0, "  "},              // space before a heading's "#"
+        {"intro", 0, "\n"},          // a line that then starts with the "#" of a tag
         {"\n", 0, "# "},               // a plain line becomes a heading
         {"code", 0, " more"},          // inside a fence
         {"```", 2, ""},                // the fence breaks open

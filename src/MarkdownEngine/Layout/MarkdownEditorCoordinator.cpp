@@ -631,9 +631,9 @@ void MarkdownEditorCoordinator::refreshOutline()
 
 bool MarkdownEditorCoordinator::shiftOutline(const QString& before, const QString& after)
 {
-    // Reading the outline walks every line of the note. An edit inside one line that holds no
-    // "#", "`" or "~" before or after it can neither make nor end a heading or a fence: the
-    // entries stay and those past it move by the change in length.
+    // Reading the outline walks every line of the note. An edit inside one line that starts,
+    // past its leading space, with no "#", "`" or "~" before or after it can neither make nor
+    // end a heading or a fence: the entries stay and those past it move by the change in length.
     const MarkdownSourceRange edit = changed(before, after);
     const qsizetype prefix = edit.location;
     const qsizetype suffix = after.size() - edit.upperBound();
@@ -644,8 +644,8 @@ bool MarkdownEditorCoordinator::shiftOutline(const QString& before, const QStrin
                 return false;
         }
         const chars::LineBounds line = chars::lineAt(text, changedStart);
-        const QStringView content = text.mid(line.start, line.contentsEnd - line.start);
-        return !content.contains(u'#') && !content.contains(u'`') && !content.contains(u'~');
+        const QStringView content = chars::trimmed(text.mid(line.start, line.contentsEnd - line.start));
+        return content.isEmpty() || (content[0] != u'#' && content[0] != u'`' && content[0] != u'~');
     };
     // A character put between a CR and its LF splits one line break into two.
     if ((prefix > 0 && before[prefix - 1] == u'\r') || !isPlainLine(before, prefix, before.size() - suffix)
