@@ -19,13 +19,15 @@ inline qsizetype leadingBlanks(QStringView line)
     return i;
 }
 
-// Quote markers at the line's start, each ">" with the spaces after it: "> > ".
-inline qsizetype quotePrefixLength(QStringView line)
+// Quote markers at the line's start, each ">" with the spaces after it: "> > ". With
+// `oneSpace`, a marker takes at most one space, and what follows is the line's own indentation.
+inline qsizetype quotePrefixLength(QStringView line, bool oneSpace = false)
 {
+    const qsizetype spacesPerMarker = oneSpace ? 1 : line.size();
     qsizetype i = 0;
     while (i < line.size() && line[i] == u'>') {
         ++i;
-        while (i < line.size() && line[i] == u' ')
+        for (qsizetype spaces = 0; spaces < spacesPerMarker && i < line.size() && line[i] == u' '; ++spaces)
             ++i;
     }
     return i;

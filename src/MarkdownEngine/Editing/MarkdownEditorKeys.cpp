@@ -18,17 +18,10 @@ namespace {
 
 using editing_text::outerQuotePrefix;
 
-// Quote markers at the line's start, each ">" with at most one space: what follows is the
-// line's own indentation, which Tab and Shift+Tab change.
+// The quote markers before a line's own indentation, which Tab and Shift+Tab change.
 qsizetype quotePrefixLength(QStringView line)
 {
-    qsizetype i = 0;
-    while (i < line.size() && line[i] == u'>') {
-        ++i;
-        if (i < line.size() && line[i] == u' ')
-            ++i;
-    }
-    return i;
+    return editing_text::quotePrefixLength(line, true);
 }
 
 // The caret's line: where it starts, its text without terminator, and the caret's column.
