@@ -68,11 +68,10 @@ void EditorHostCoordinator::synchronizeDocument()
 {
     if (!m_document || m_isEditing || m_coordinator.isComposing())
         return;
-    if (QString text = editorText(); m_coordinator.text() != text) {
+    if (m_coordinator.text() != editorText()) {
         // A reload may bring other line ends.
         m_lineEnds = EditorLineEnds::of(m_document->text());
-        text = editorText();
-        if (m_coordinator.text() != text)
+        if (const QString text = editorText(); m_coordinator.text() != text)
             m_coordinator.setText(text, editorCaret());
     }
     const int caret = editorCaret();

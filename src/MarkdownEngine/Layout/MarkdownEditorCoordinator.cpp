@@ -639,8 +639,7 @@ bool MarkdownEditorCoordinator::shiftOutline(const QString& before, const QStrin
     const qsizetype suffix = after.size() - edit.upperBound();
     const auto isPlainLine = [](QStringView text, qsizetype changedStart, qsizetype changedEnd) {
         for (qsizetype i = changedStart; i < changedEnd; ++i) {
-            const char16_t c = text[i].unicode();
-            if (c == u'\n' || c == u'\r' || c == 0x85 || c == 0x2028 || c == 0x2029)
+            if (chars::isNewline(text[i].unicode()))
                 return false;
         }
         const chars::LineBounds line = chars::lineAt(text, changedStart);
@@ -704,7 +703,7 @@ MarkdownTextStatistics MarkdownEditorCoordinator::measureStatistics()
     }
     if (cachedStatisticsRevision != textRevision) {
         ++statisticsMeasurementCount;
-        if (cachedStatisticsRevision < 0 || m_statisticsText.isNull())
+        if (m_statisticsText.isNull())
             cachedDocumentStatistics = MarkdownTextStatistics::measure(t, {0, int(t.size())}, false);
         else if (m_statisticsText != t)
             cachedDocumentStatistics = MarkdownTextStatistics::remeasured(cachedDocumentStatistics, m_statisticsText, t,
