@@ -1,6 +1,7 @@
 #include "MarkdownEngine/Core/MarkdownDocument.h"
 
 #include "MarkdownEngine/Core/TextCharacters.h"
+#include "MarkdownEngine/Parser/BlockReparser.h"
 #include "MarkdownEngine/Parser/BlockTokenizer.h"
 
 #include <algorithm>
@@ -10,6 +11,11 @@ namespace velmo::markdown {
 MarkdownDocument MarkdownDocument::parse(const QString& text, const MarkdownParseOptions& options)
 {
     return BlockTokenizer::document(text, options);
+}
+
+MarkdownDocument MarkdownDocument::reparse(MarkdownDocument&& old, const QString& text, MarkdownDocumentChange& change)
+{
+    return BlockReparser::reparse(std::move(old), text, change);
 }
 
 std::vector<const MarkdownInline*> MarkdownDocument::inlines() const
@@ -91,6 +97,28 @@ QStringList MarkdownDocument::footnoteReferences() const
             labels.append(reference->label);
     }
     return labels;
+}
+
+bool MarkdownDocument::hasSameTree(const MarkdownDocument& other) const
+{
+    if (text != other.text || options != other.options || linkDefinitions != other.linkDefinitions
+        || footnoteDefinitions != other.footnoteDefinitions)
+        return false;
+    std::vector<const MarkdownBlock*> mine, theirs;
+    forEachBlock([&mine](const MarkdownBlock& b) { mine.push_back(&b); });
+    other.forEachBlock([&theirs](const MarkdownBlock& b) { theirs.push_back(&b); });
+    const auto sameBlock = [](const MarkdownBlock* a, const MarkdownBlock* b) {
+        return a->kind == b->kind && a->range == b->range && a->contentRange == b->contentRange
+            && a->markerRanges == b->markerRanges && a->quoteDepth == b->quoteDepth && a->listDepth == b->listDepth
+            && a->children.size() == b->children.size() && a->inlines.size() == b->inlines.size();
+    };
+    if (!std::equal(mine.begin(), mine.end(), theirs.begin(), theirs.end(), sameBlock))
+        return false;
+    std::vector<const MarkdownInline*> a = inlines(), b = other.inlines();
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const MarkdownInline* x, const MarkdownInline* y) {
+        return x->kind == y->kind && x->range == y->range && x->contentRange == y->contentRange
+            && x->markerRanges == y->markerRanges && x->children.size() == y->children.size();
+    });
 }
 
 QString MarkdownDocument::plainText(const QString& text)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "MarkdownEngine/Core/MarkdownBlock.h"
+#include "MarkdownEngine/Core/MarkdownDocumentChange.h"
 #include "MarkdownEngine/Core/MarkdownOutlineItem.h"
 #include "MarkdownEngine/Core/MarkdownParseOptions.h"
 #include "MarkdownEngine/Core/MarkdownTextStatistics.h"
@@ -9,6 +10,7 @@
 #include <QHash>
 #include <QString>
 #include <QStringList>
+#include <limits>
 #include <vector>
 
 namespace velmo::markdown {
@@ -24,6 +26,9 @@ struct MarkdownDocument {
     MarkdownFootnoteDefinitions footnoteDefinitions;
     MarkdownLinkDefinitions linkDefinitions;
     MarkdownParseOptions options;
+    // Where the first opener whose closer was looked for to the end of the note and not found
+    // stands (the int's maximum when none): an edit after it may change it.
+    int unclosedOpenerAt = std::numeric_limits<int>::max();
 
     struct WikiLinkReference {
         QString target;
@@ -32,6 +37,11 @@ struct MarkdownDocument {
     };
 
     [[nodiscard]] static MarkdownDocument parse(const QString& text, const MarkdownParseOptions& options = {});
+    // The parse of `text`, an edit of old's text, equal to parse(text, old.options): the
+    // blocks the edit cannot reach are taken over from `old` (moved by the length the edit
+    // added) instead of parsed again. `change` says which.
+    [[nodiscard]] static MarkdownDocument reparse(MarkdownDocument&& old, const QString& text,
+                                                  MarkdownDocumentChange& change);
 
     template<typename Visit>
     void forEachBlock(Visit&& visit) const
@@ -51,6 +61,9 @@ struct MarkdownDocument {
     [[nodiscard]] MarkdownTextStatistics statistics(MarkdownSourceRange range, bool isSelection) const;
     [[nodiscard]] std::vector<WikiLinkReference> wikiLinks() const;
     [[nodiscard]] QStringList footnoteReferences() const; // repeats kept
+
+    // The same text, blocks, inlines and definitions, block ids aside.
+    [[nodiscard]] bool hasSameTree(const MarkdownDocument& other) const;
 
     // The text without markup, as titles and image alt texts show it; LF becomes a space.
     [[nodiscard]] static QString plainText(const QString& text);

@@ -16,21 +16,28 @@ enum class MarkdownEmphasis : unsigned char { italic, bold, boldItalic };
 // The kinds of inline, in the order of the tagged union. Payload strings are owned copies:
 // only links, images, wiki links, code, math, footnotes and HTML carry one, and they are few.
 namespace inline_kind {
-struct Escape { char16_t character = 0; };
-struct Code { QString language; bool hasLanguage = false; };
-struct Emphasis { MarkdownEmphasis emphasis = MarkdownEmphasis::italic; };
-struct Link { QString destination, title; bool hasDestination = false, hasTitle = false; };
-struct WikiLink { QString target, display; };
-struct Image { QString source, alt; bool isEmbed = false; };
-struct Latex { QString source; bool isBlock = false; };
-struct FootnoteReference { QString label; };
-struct Html { QString source; };
-struct ExtensionSpan { QString name; };
-struct Text {};
-struct Strikethrough {};
-struct Highlight {};
-struct SoftBreak {};
-struct HardBreak {};
+struct Escape { char16_t character = 0; bool operator==(const Escape&) const = default; };
+struct Code { QString language; bool hasLanguage = false; bool operator==(const Code&) const = default; };
+struct Emphasis {
+    MarkdownEmphasis emphasis = MarkdownEmphasis::italic;
+    bool operator==(const Emphasis&) const = default;
+};
+struct Link {
+    QString destination, title;
+    bool hasDestination = false, hasTitle = false;
+    bool operator==(const Link&) const = default;
+};
+struct WikiLink { QString target, display; bool operator==(const WikiLink&) const = default; };
+struct Image { QString source, alt; bool isEmbed = false; bool operator==(const Image&) const = default; };
+struct Latex { QString source; bool isBlock = false; bool operator==(const Latex&) const = default; };
+struct FootnoteReference { QString label; bool operator==(const FootnoteReference&) const = default; };
+struct Html { QString source; bool operator==(const Html&) const = default; };
+struct ExtensionSpan { QString name; bool operator==(const ExtensionSpan&) const = default; };
+struct Text { bool operator==(const Text&) const = default; };
+struct Strikethrough { bool operator==(const Strikethrough&) const = default; };
+struct Highlight { bool operator==(const Highlight&) const = default; };
+struct SoftBreak { bool operator==(const SoftBreak&) const = default; };
+struct HardBreak { bool operator==(const HardBreak&) const = default; };
 }
 
 using MarkdownInlineKind = std::variant<inline_kind::Escape, inline_kind::Code, inline_kind::Emphasis,

@@ -1,6 +1,7 @@
 #include "MarkdownEngine/Core/TextCharacters.h"
 
 #include <QChar>
+#include <cstring>
 
 namespace velmo::markdown::chars {
 
@@ -152,6 +153,28 @@ LineBounds lineAt(QStringView text, qsizetype i)
     bounds.contentsEnd = end;
     bounds.end = end + terminatorLength(text, end);
     return bounds;
+}
+
+Difference difference(QStringView before, QStringView after)
+{
+    constexpr qsizetype block = 256;
+    const QChar* a = before.data();
+    const QChar* b = after.data();
+    const qsizetype limit = std::min(before.size(), after.size());
+    qsizetype prefix = 0;
+    while (prefix + block <= limit && std::memcmp(a + prefix, b + prefix, block * sizeof(QChar)) == 0)
+        prefix += block;
+    while (prefix < limit && a[prefix] == b[prefix])
+        ++prefix;
+    const QChar* aEnd = a + before.size();
+    const QChar* bEnd = b + after.size();
+    qsizetype suffix = 0;
+    while (suffix + block <= limit - prefix
+           && std::memcmp(aEnd - suffix - block, bEnd - suffix - block, block * sizeof(QChar)) == 0)
+        suffix += block;
+    while (suffix < limit - prefix && aEnd[-1 - suffix] == bEnd[-1 - suffix])
+        ++suffix;
+    return {prefix, before.size() - suffix, after.size() - suffix};
 }
 
 }

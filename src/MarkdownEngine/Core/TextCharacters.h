@@ -42,4 +42,13 @@ struct LineBounds {
 // The length of the terminator at i, 0 when none stands there.
 [[nodiscard]] int terminatorLength(QStringView text, qsizetype i);
 
+// Where two texts differ: they share [0, start) and their tails from beforeEnd and
+// afterEnd on. Compares in blocks, as a keystroke in a large note asks this every time.
+struct Difference {
+    qsizetype start = 0;
+    qsizetype beforeEnd = 0;
+    qsizetype afterEnd = 0;
+};
+[[nodiscard]] Difference difference(QStringView before, QStringView after);
+
 }

@@ -50,24 +50,8 @@ MarkdownSourceRange wholeLines(QStringView text, MarkdownSourceRange range)
 // blocks are compared with memcmp first: a keystroke leaves a megabyte on either side.
 MarkdownSourceRange changed(QStringView before, QStringView after)
 {
-    constexpr qsizetype block = 256;
-    const QChar* a = before.data();
-    const QChar* b = after.data();
-    const qsizetype limit = std::min(before.size(), after.size());
-    qsizetype prefix = 0;
-    while (prefix + block <= limit && std::memcmp(a + prefix, b + prefix, block * sizeof(QChar)) == 0)
-        prefix += block;
-    while (prefix < limit && a[prefix] == b[prefix])
-        ++prefix;
-    const QChar* aEnd = a + before.size();
-    const QChar* bEnd = b + after.size();
-    qsizetype suffix = 0;
-    while (suffix + block <= limit - prefix
-           && std::memcmp(aEnd - suffix - block, bEnd - suffix - block, block * sizeof(QChar)) == 0)
-        suffix += block;
-    while (suffix < limit - prefix && aEnd[-1 - suffix] == bEnd[-1 - suffix])
-        ++suffix;
-    return MarkdownSourceRange::fromBounds(int(prefix), int(after.size() - suffix));
+    const chars::Difference d = chars::difference(before, after);
+    return MarkdownSourceRange::fromBounds(int(d.start), int(d.afterEnd));
 }
 
 const QEvent::Type releaseEvent = QEvent::Type(QEvent::registerEventType());

@@ -90,6 +90,14 @@ BlockTokenizer::BlockTokenizer(const QString& text, const MarkdownParseOptions& 
 {
 }
 
+BlockTokenizer::BlockTokenizer(const QString& text, const MarkdownParseOptions& options, qsizetype from, qsizetype to)
+    : m_text(text)
+    , m_ns(m_text)
+    , m_options(options)
+    , m_lines(split(m_ns, from, to))
+{
+}
+
 MarkdownDocument BlockTokenizer::document(const QString& text, const MarkdownParseOptions& options)
 {
     BlockTokenizer tokenizer(text, options);
@@ -100,6 +108,7 @@ MarkdownDocument BlockTokenizer::document(const QString& text, const MarkdownPar
     attachQuoteMarkers(document.blocks, tokenizer.m_lines, tokenizer.m_ns);
     document.footnoteDefinitions = std::move(tokenizer.m_footnoteDefinitions);
     document.linkDefinitions = std::move(tokenizer.m_linkDefinitions);
+    document.unclosedOpenerAt = tokenizer.m_unclosedOpenerAt;
     QSet<QString> footnoteLabels;
     for (auto it = document.footnoteDefinitions.cbegin(); it != document.footnoteDefinitions.cend(); ++it)
         footnoteLabels.insert(it.key());
@@ -110,14 +119,21 @@ MarkdownDocument BlockTokenizer::document(const QString& text, const MarkdownPar
 
 std::vector<BlockTokenizer::SourceLine> BlockTokenizer::split(QStringView text)
 {
+    return split(text, 0, text.size());
+}
+
+std::vector<BlockTokenizer::SourceLine> BlockTokenizer::split(QStringView text, qsizetype from, qsizetype to)
+{
     std::vector<SourceLine> lines;
-    const qsizetype size = text.size();
+    const qsizetype size = to;
     // Counted exactly: a guess from the size regrows many times on a text of short lines, and
     // each regrowth moves every line and touches fresh pages.
-    lines.reserve(size_t(countLineFeeds(text)) + 2);
-    qsizetype start = 0;
+    lines.reserve(size_t(countLineFeeds(text.mid(from, to - from))) + 2);
+    qsizetype start = from;
     while (true) {
-        const qsizetype newline = text.indexOf(u'\n', start);
+        qsizetype newline = text.indexOf(u'\n', start);
+        if (newline >= size)
+            newline = -1;
         const qsizetype end = newline < 0 ? size : newline + 1;
         qsizetype contentEnd = end;
         while (contentEnd > start && (text[contentEnd - 1] == u'\n' || text[contentEnd - 1] == u'\r'))
@@ -147,6 +163,8 @@ std::vector<BlockTokenizer::SourceLine> BlockTokenizer::split(QStringView text)
         if (newline < 0)
             break;
         start = newline + 1;
+        if (start == size && size < text.size())
+            break;
         if (start == size) {
             SourceLine last;
             last.fullRange = last.contentRange = {int(size), 0};
@@ -189,13 +207,18 @@ int BlockTokenizer::findCloser(int after, CloserMemo& memo, IsCloser&& isCloser)
 
 std::vector<MarkdownBlock> BlockTokenizer::parseBlocks()
 {
+    return parseBlocks({});
+}
+
+std::vector<MarkdownBlock> BlockTokenizer::parseBlocks(const StopPredicate& stop)
+{
     std::vector<MarkdownBlock> blocks;
     // Every block starts on a line of its own that is not blank: the bound spares the moves
     // of regrowth, and the pages of a large reservation that stay unused are never touched.
     blocks.reserve(size_t(std::count_if(m_lines.begin(), m_lines.end(),
                                         [](const SourceLine& line) { return !line.isBlank; })));
     m_cursor = 0;
-    if (m_options.frontMatter) {
+    if (m_options.frontMatter && !m_lines.empty() && m_lines.front().fullRange.location == 0) {
         if (auto block = parseFrontMatter())
             blocks.push_back(std::move(*block));
     }
@@ -205,6 +228,8 @@ std::vector<MarkdownBlock> BlockTokenizer::parseBlocks()
             ++m_cursor;
             continue;
         }
+        if (stop && stop(m_cursor))
+            break;
         std::optional<MarkdownBlock> block;
         if (m_options.directives)
             block = parseDirective();
@@ -252,6 +277,7 @@ std::optional<MarkdownBlock> BlockTokenizer::parseFrontMatter()
         m_cursor = k + 1;
         return block;
     }
+    m_unclosedOpenerAt = 0;
     return std::nullopt;
 }
 
@@ -323,15 +349,21 @@ std::optional<MarkdownBlock> BlockTokenizer::parseLatexBlock()
     const SourceLine& line = m_lines[m_cursor];
     const QStringView trimmed = trimmedLine(line);
     const bool dollars = trimmed == u"$$";
-    if ((!dollars && !trimmed.startsWith(u"\\[")) || m_cursor + 1 >= int(m_lines.size()))
+    if (!dollars && !trimmed.startsWith(u"\\["))
         return std::nullopt;
+    if (m_cursor + 1 >= int(m_lines.size())) {
+        m_unclosedOpenerAt = std::min(m_unclosedOpenerAt, line.fullRange.location);
+        return std::nullopt;
+    }
     const QStringView closing = dollars ? QStringView(u"$$") : QStringView(u"\\]");
     const int closer = findCloser(m_cursor, dollars ? m_dollarCloser : m_bracketCloser,
                                   [closing](const SourceLine& candidate) {
                                       return trimmedLine(candidate).endsWith(closing);
                                   });
-    if (closer < 0)
+    if (closer < 0) {
+        m_unclosedOpenerAt = std::min(m_unclosedOpenerAt, line.fullRange.location);
         return std::nullopt;
+    }
     const int contentStart = line.fullRange.upperBound();
     MarkdownBlock block = makeBlock(block_kind::LatexBlock{}, m_cursor, closer,
                                     MarkdownSourceRange{contentStart, m_lines[closer].contentRange.location - contentStart},
@@ -497,6 +529,7 @@ bool BlockTokenizer::parseLinkDefinition()
         value = chars::trimmedHorizontal(value.left(quote));
     // The last definition of a label wins.
     m_linkDefinitions.insert(t.mid(1, close - 1).toString().toLower(), value.toString());
+    m_readLinkDefinition = true;
     ++m_cursor;
     return true;
 }

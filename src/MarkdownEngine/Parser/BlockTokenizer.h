@@ -11,6 +11,8 @@
 #include <QString>
 #include <QStringView>
 #include <QVarLengthArray>
+#include <functional>
+#include <limits>
 #include <optional>
 #include <vector>
 
@@ -59,12 +61,21 @@ public:
     };
 
     BlockTokenizer(const QString& text, const MarkdownParseOptions& options);
+    // Only the lines of text[from, to), `to` being a line's end or the text's; ranges stay the
+    // whole text's. Front matter is looked for only when `from` is 0.
+    BlockTokenizer(const QString& text, const MarkdownParseOptions& options, qsizetype from, qsizetype to);
 
     // The whole parse.
     [[nodiscard]] static MarkdownDocument document(const QString& text, const MarkdownParseOptions& options);
 
     [[nodiscard]] static std::vector<SourceLine> split(QStringView text);
+    [[nodiscard]] static std::vector<SourceLine> split(QStringView text, qsizetype from, qsizetype to);
     [[nodiscard]] std::vector<MarkdownBlock> parseBlocks();
+    // Stops before the first block whose first line `stop` accepts, and says where.
+    using StopPredicate = std::function<bool(int line)>;
+    [[nodiscard]] std::vector<MarkdownBlock> parseBlocks(const StopPredicate& stop);
+    // The line parseBlocks stopped at; the line count when it ran to the end.
+    int stoppedAt() const { return m_cursor; }
     // Each covers a `>` and the one space after it, if any.
     [[nodiscard]] static QuoteMarkers quoteMarkers(const SourceLine& line, QStringView text);
     static void attachQuoteMarkers(std::vector<MarkdownBlock>& blocks, const std::vector<SourceLine>& lines,
@@ -86,6 +97,11 @@ public:
     const std::vector<SourceLine>& lines() const { return m_lines; }
     const MarkdownFootnoteDefinitions& footnoteDefinitions() const { return m_footnoteDefinitions; }
     const MarkdownLinkDefinitions& linkDefinitions() const { return m_linkDefinitions; }
+    // Where the first opener whose closer was looked for to the end and not found stands: a
+    // closer written anywhere after it changes what it is.
+    int unclosedOpenerAt() const { return m_unclosedOpenerAt; }
+    // Whether a link definition was read: they add no block.
+    bool readLinkDefinition() const { return m_readLinkDefinition; }
 
 private:
     // Remembers the last search for lines that close a construct, so that a text full of
@@ -124,6 +140,8 @@ private:
     MarkdownLinkDefinitions m_linkDefinitions;
     std::vector<SourceLine> m_lines;
     int m_cursor = 0;
+    int m_unclosedOpenerAt = std::numeric_limits<int>::max();
+    bool m_readLinkDefinition = false;
 
     CloserMemo m_dollarCloser;
     CloserMemo m_bracketCloser;
