@@ -54,6 +54,25 @@ void velmoBlocks(benchmark::State& state, const QString& (*source)())
     state.SetBytesProcessed(int64_t(state.iterations()) * bytes);
 }
 
+// A keystroke's parse: one letter typed into the middle of the note, then taken back, each
+// reparsed from the document before it.
+void velmoReparse(benchmark::State& state, const QString& (*source)())
+{
+    const QString& text = source();
+    const qsizetype middle = text.indexOf(u' ', text.size() / 2);
+    const QString typed = QString(text).insert(middle, u'a');
+    MarkdownDocument document = MarkdownDocument::parse(text);
+    bool typeLetter = true;
+    size_t replaced = 0;
+    for (auto _ : state) {
+        MarkdownDocumentChange change;
+        document = MarkdownDocument::reparse(std::move(document), typeLetter ? typed : text, change);
+        replaced = change.newEnd - change.firstBlock;
+        typeLetter = !typeLetter;
+    }
+    state.counters["blocksParsed"] = double(replaced);
+}
+
 #ifdef VELMO_HAVE_MD4C
 int md4cBlock(MD_BLOCKTYPE, void*, void*) { return 0; }
 int md4cSpan(MD_SPANTYPE, void*, void*) { return 0; }
@@ -92,6 +111,7 @@ void cmarkParse(benchmark::State& state, const QString& (*source)())
 
 BENCHMARK_CAPTURE(velmoParse, notes1000, notes)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(velmoParse, bigNote, bigNote)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(velmoReparse, bigNote, bigNote)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(velmoBlocks, notes1000, notes)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(velmoBlocks, bigNote, bigNote)->Unit(benchmark::kMillisecond);
 #ifdef VELMO_HAVE_MD4C

@@ -1,9 +1,11 @@
 // Parses any input under any options and checks the tree's invariants: ranges inside the text,
 // top-level inlines partitioning what they were parsed from, blocks in order without overlap,
-// and the same result twice.
+// and the same result twice. Then edits the text and checks that the reparse after the edit,
+// and the one that takes the edit back, equal full parses.
 #include "MarkdownEngine/Core/MarkdownDocument.h"
 
 #include <QString>
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstdio>
@@ -165,5 +167,19 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     fuzzCheck(verify(first) == verify(second), "the same text parses the same way twice");
     fuzzCheck(first.linkDefinitions == second.linkDefinitions && first.footnoteDefinitions == second.footnoteDefinitions,
           "the same definitions twice");
+
+    // The edit: some of the note's own text (openers and closers are what matter) put in at a
+    // point picked from the input, over a few units.
+    const qsizetype n = text.size();
+    const qsizetype at = qsizetype((size_t(data[0]) * 7919u + size * 31u) % size_t(n + 1));
+    const qsizetype removed = std::min<qsizetype>(data[1] % 9, n - at);
+    const qsizetype from = n == 0 ? 0 : qsizetype((size_t(data[1]) * 104729u + size) % size_t(n));
+    const QString edited = text.left(at) + text.mid(from, data[0] % 13) + text.mid(at + removed);
+    MarkdownDocumentChange change;
+    MarkdownDocument reparsed = MarkdownDocument::reparse(MarkdownDocument(first), edited, change);
+    fuzzCheck(reparsed.hasSameTree(MarkdownDocument::parse(edited, options)), "a reparse equals a parse");
+    fuzzCheck(verify(reparsed) == verify(MarkdownDocument::parse(edited, options)), "a reparse dumps as a parse");
+    reparsed = MarkdownDocument::reparse(std::move(reparsed), text, change);
+    fuzzCheck(reparsed.hasSameTree(first), "reparsing the edit undone gives the first parse");
     return 0;
 }

@@ -196,9 +196,17 @@ void MarkdownEditorCoordinator::restyleNow()
         return;
     }
     if (!sameDocument) {
-        MarkdownDocument parsed = MarkdownDocument::parse(t, parseOptions);
-        std::swap(document, parsed);
-        retire(std::move(parsed));
+        // Whatever the reparse does not take over is freed after the frame.
+        MarkdownDocument old = std::move(document);
+        if (old.options == parseOptions) {
+            MarkdownDocumentChange change;
+            document = MarkdownDocument::reparse(std::move(old), t, change);
+            documentChange = change;
+        } else {
+            document = MarkdownDocument::parse(t, parseOptions);
+            documentChange.reset();
+        }
+        retire(std::move(old));
     }
     editorState = makeEditorState();
     lastHighlightedCode = highlightedCode();
@@ -464,26 +472,30 @@ void MarkdownEditorCoordinator::restyleSelectionNow()
 QHash<QString, MarkdownStyledText> MarkdownEditorCoordinator::highlightedCode()
 {
     QHash<QString, MarkdownStyledText> result;
+    // The cache goes by language and content, not by codeKey's location: typing above a fence
+    // moves it without changing its colours. It keeps only the fences the note still has.
+    QHash<QString, MarkdownStyledText> cache;
     const std::shared_ptr<SyntaxHighlighter>& highlighter = config.services.syntaxHighlighter;
     for (const MarkdownBlock& block : document.blocks) {
         const auto* fence = block.as<block_kind::Fence>();
         if (!fence || block.contentRange.length <= 0)
             continue;
-        const QString key = MarkdownASTStyler::codeKey(block);
-        if (const auto it = codeCache.constFind(key); it != codeCache.constEnd()) {
-            result.insert(key, *it);
+        const QString content = document.text.mid(block.contentRange.location, block.contentRange.length);
+        const QString cacheKey = fence->language.value_or(QString()) + QChar(0x1) + content;
+        if (const auto it = codeCache.constFind(cacheKey); it != codeCache.constEnd()) {
+            cache.insert(cacheKey, *it);
+            result.insert(MarkdownASTStyler::codeKey(block), *it);
             continue;
         }
         if (!highlighter)
             continue;
         // A failed colouring is asked again on the next pass.
-        if (auto coloured = highlighter->highlightedCode(document.text.mid(block.contentRange.location,
-                                                                           block.contentRange.length),
-                                                         fence->language)) {
-            codeCache.insert(key, *coloured);
-            result.insert(key, std::move(*coloured));
+        if (auto coloured = highlighter->highlightedCode(content, fence->language)) {
+            cache.insert(cacheKey, *coloured);
+            result.insert(MarkdownASTStyler::codeKey(block), std::move(*coloured));
         }
     }
+    codeCache = std::move(cache);
     return result;
 }
 

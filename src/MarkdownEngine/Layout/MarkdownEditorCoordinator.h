@@ -67,11 +67,13 @@ public:
     MarkdownEditorConfiguration config;
     std::unique_ptr<MarkdownEditorAttachmentFactory> attachmentFactory;
     MarkdownDocument document;
+    // How `document` came from the one before it, when it was reparsed from it.
+    std::optional<MarkdownDocumentChange> documentChange;
     MarkdownEditorFragmentStore fragments;
     MarkdownTextStatistics statistics;
     MarkdownSourceEditorState editorState;
     std::vector<OutlineEntry> outlineEntries;
-    QHash<QString, MarkdownStyledText> codeCache;
+    QHash<QString, MarkdownStyledText> codeCache; // by language and content
     QString lastText;
     std::vector<MarkdownSourceRange> lastActiveLines;
     bool scheduled = false;
