@@ -171,19 +171,48 @@ QTextCharFormat MarkdownTextStorage::charFormat(const MarkdownTextAttributes& a)
     return format;
 }
 
-const QTextCharFormat& MarkdownTextStorage::recentFormat(const MarkdownTextAttributes& attributes)
+MarkdownTextStorage::FormatKey::FormatKey(const MarkdownTextAttributes& a)
 {
-    constexpr size_t kept = 16;
-    auto it = std::find_if(m_recentFormats.begin(), m_recentFormats.end(),
-                           [&](const auto& entry) { return entry.first == attributes; });
-    if (it == m_recentFormats.end()) {
-        if (m_recentFormats.size() >= kept)
-            m_recentFormats.pop_back();
-        m_recentFormats.emplace_back(attributes, charFormat(attributes));
-        it = m_recentFormats.end() - 1;
-    }
-    std::rotate(m_recentFormats.begin(), it, it + 1);
-    return m_recentFormats.front().second;
+    using K = MarkdownTextAttributes;
+    keys = a.keys
+        & (K::Font | K::Foreground | K::Background | K::Underline | K::UnderlineColor | K::Strikethrough
+           | K::BaselineOffset | K::Kern | K::Link | K::Hidden);
+    if (a.has(K::Font))
+        font = a.font;
+    foreground = a.has(K::Foreground) ? a.foreground : 0;
+    background = a.has(K::Background) ? a.background : 0;
+    underlineColor = a.has(K::UnderlineColor) ? a.underlineColor : 0;
+    baselineOffset = a.has(K::BaselineOffset) ? a.baselineOffset : 0;
+    kern = a.has(K::Kern) ? a.kern : 0;
+    if (a.has(K::Link))
+        link = a.link();
+    hidden = a.has(K::Hidden) && a.hidden;
+}
+
+bool MarkdownTextStorage::FormatKey::operator==(const FormatKey& o) const
+{
+    return keys == o.keys && font.pointSize == o.font.pointSize && font.weight == o.font.weight
+        && font.italic == o.font.italic && foreground == o.foreground && background == o.background
+        && underlineColor == o.underlineColor && baselineOffset == o.baselineOffset && kern == o.kern
+        && hidden == o.hidden && font.family == o.font.family && link == o.link;
+}
+
+size_t MarkdownTextStorage::FormatKey::hash(size_t seed) const
+{
+    return qHashMulti(seed, keys, font.family, font.pointSize, font.weight, font.italic, foreground, background,
+                      underlineColor, baselineOffset, kern, link, hidden);
+}
+
+const QTextCharFormat& MarkdownTextStorage::formatFor(const MarkdownTextAttributes& attributes)
+{
+    // Kerned table cells can make many sets; past a bound the cache starts over.
+    constexpr qsizetype bound = 4096;
+    FormatKey key(attributes);
+    if (const auto it = m_formats.constFind(key); it != m_formats.constEnd())
+        return *it;
+    if (m_formats.size() >= bound)
+        m_formats.clear();
+    return *m_formats.insert(std::move(key), charFormat(attributes));
 }
 
 void MarkdownTextStorage::writeBlock(QTextBlock block, const MarkdownStyledText& styled, int offset)
@@ -219,7 +248,7 @@ void MarkdownTextStorage::writeBlock(QTextBlock block, const MarkdownStyledText&
         QTextLayout::FormatRange range;
         range.start = clipped.location - start;
         range.length = clipped.length;
-        range.format = recentFormat(it->attributes);
+        range.format = formatFor(it->attributes);
         style.formats.push_back(std::move(range));
         style.runs.push_back({{clipped.location - start, clipped.length}, it->attributes});
     }

@@ -4,6 +4,7 @@
 #include "MarkdownEngine/Styling/MarkdownParagraphMetrics.h"
 #include "MarkdownEngine/Styling/MarkdownStyledText.h"
 
+#include <QHash>
 #include <QString>
 #include <QTextCharFormat>
 #include <QTextDocument>
@@ -67,11 +68,26 @@ private:
     // Brings the cached text over a change the document reported, or marks it stale.
     void patchText(int position, int removed, int added);
     void writeBlock(QTextBlock block, const MarkdownStyledText& styled, int offset);
-    // charFormat(attributes), from the last few sets written when it is one of them: a note's
-    // runs come back to the same few sets, and each format made costs a handful of allocations.
-    const QTextCharFormat& recentFormat(const MarkdownTextAttributes& attributes);
+    // What charFormat reads of a set, and nothing else: sets that differ only in their
+    // paragraph, role and the like share one format. Absent keys hold default values.
+    struct FormatKey {
+        std::uint32_t keys = 0;
+        MarkdownFontDescriptor font;
+        QRgb foreground = 0, background = 0, underlineColor = 0;
+        float baselineOffset = 0, kern = 0;
+        QString link;
+        bool hidden = false;
 
-    std::vector<std::pair<MarkdownTextAttributes, QTextCharFormat>> m_recentFormats; // latest first
+        explicit FormatKey(const MarkdownTextAttributes& attributes);
+        bool operator==(const FormatKey& other) const;
+        [[nodiscard]] size_t hash(size_t seed) const;
+        friend size_t qHash(const FormatKey& key, size_t seed = 0) { return key.hash(seed); }
+    };
+    // charFormat(attributes), made once per distinct set: a note's runs come back to the same
+    // few sets, and each format made costs a handful of allocations.
+    const QTextCharFormat& formatFor(const MarkdownTextAttributes& attributes);
+
+    QHash<FormatKey, QTextCharFormat> m_formats;
 
     std::unique_ptr<QTextDocument> m_document;
     mutable QString m_text;
