@@ -379,3 +379,36 @@ TEST(MarkdownEditorBus, RequestsAndCommandsRoundTrip)
     EXPECT_FALSE(off.request(Simple::bold));
     EXPECT_FALSE(off.command(*bus.applyBoldRequest));
 }
+
+TEST(MarkdownEditorCoordinator, ALargeNoteWrittenInPiecesMatchesTheWholeStyledText)
+{
+    // Long tables, so that the pieces' edges fall inside some: their columns need every row.
+    QString text;
+    for (int section = 0; section < 36; ++section) {
+        text += QStringLiteral("## Section %1\n\n- item with **bold**\n- [ ] task\n\n| a | bb |\n|---|:-:|\n").arg(section);
+        for (int row = 0; row < 400; ++row)
+            text += QStringLiteral("| %1 | x%2 |\n").arg(row).arg(QString(row % 7, u'w'));
+        text += QStringLiteral("\nSome *prose* after the table.\n\n");
+    }
+    ASSERT_GT(text.size(), 3 * 64 * 1024);
+    Editor e(text, 0);
+    MarkdownASTStyler::Request request;
+    request.document = &e.coordinator.document;
+    request.selection = e.coordinator.editorState;
+    request.config = &e.coordinator.config;
+    const MarkdownStyledText whole = MarkdownASTStyler::style(request).attributedString.resolved();
+    const auto& expected = whole.runs();
+    size_t next = 0;
+    for (QTextBlock block = e.view.textStorage().document()->begin(); block.isValid(); block = block.next()) {
+        const MarkdownBlockStyle* style = e.view.textStorage().blockStyle(block);
+        ASSERT_TRUE(style) << block.position() << " of " << text.size();
+        for (const auto& run : style->runs) {
+            for (int i = block.position() + run.range.location; i < block.position() + run.range.upperBound(); ++i) {
+                while (next < expected.size() && !expected[next].range.contains(i))
+                    ++next;
+                ASSERT_LT(next, expected.size()) << i;
+                ASSERT_TRUE(expected[next].attributes == run.attributes) << i;
+            }
+        }
+    }
+}

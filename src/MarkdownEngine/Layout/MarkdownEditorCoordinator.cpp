@@ -343,16 +343,31 @@ void MarkdownEditorCoordinator::apply(const MarkdownASTStyler::Result& result,
 void MarkdownEditorCoordinator::copyStyled(const MarkdownStyledNote& styled, MarkdownSourceRange range)
 {
     MarkdownTextStorage& storage = textView.textStorage();
-    if (range.location <= 0 && range.upperBound() >= styled.length()) {
+    // A large range goes in pieces of whole lines: the styled text of a whole large note at
+    // once would hold a run for every change of style in it.
+    constexpr int piece = 64 * 1024;
+    if (range.location <= 0 && range.upperBound() >= styled.length() && styled.length() <= piece) {
         storage.copyAttributes(styled.resolved(), range);
         return;
     }
-    // Only the lines written are worked out, from a character early: an empty last line takes
-    // its paragraph from the run before it.
-    const MarkdownSourceRange lines = wholeLines(styled.text(), range);
-    const MarkdownStyledNote::Stretch stretch =
-        styled.stretch(MarkdownSourceRange::fromBounds(std::max(0, lines.location - 1), lines.upperBound()));
-    storage.copyAttributes(stretch.styled, range, stretch.offset);
+    const QString& text = styled.text();
+    int start = range.location;
+    do {
+        int end = range.upperBound();
+        if (end - start > piece) {
+            const qsizetype newline = text.indexOf(u'\n', start + piece);
+            if (newline >= 0 && newline + 1 < end)
+                end = int(newline) + 1;
+        }
+        // Only the lines written are worked out, from a character early: an empty last line
+        // takes its paragraph from the run before it.
+        const MarkdownSourceRange part = MarkdownSourceRange::fromBounds(start, end);
+        const MarkdownSourceRange lines = wholeLines(text, part);
+        const MarkdownStyledNote::Stretch stretch =
+            styled.stretch(MarkdownSourceRange::fromBounds(std::max(0, lines.location - 1), lines.upperBound()));
+        storage.copyAttributes(stretch.styled, part, stretch.offset);
+        start = end;
+    } while (start < range.upperBound());
 }
 
 MarkdownTextAttributes MarkdownEditorCoordinator::baseAttributes() const
