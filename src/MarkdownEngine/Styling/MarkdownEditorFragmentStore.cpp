@@ -1,6 +1,8 @@
 #include "MarkdownEngine/Styling/MarkdownEditorFragmentStore.h"
 
 #include <algorithm>
+#include <climits>
+#include <iterator>
 #include <tuple>
 
 namespace velmo::markdown {
@@ -36,6 +38,15 @@ void MarkdownEditorFragmentStore::Data::list(int i)
 {
     const MarkdownEditorFragment& f = fragments[size_t(i)];
     longest = std::max(longest, f.range.length);
+    hide(f);
+    if (isDecoration(f.role))
+        decorations.push_back(i);
+    if (isHitTarget(f.role))
+        hitTargets.push_back(i);
+}
+
+void MarkdownEditorFragmentStore::Data::hide(const MarkdownEditorFragment& f)
+{
     // In location order, so a hidden range can only join the last.
     if (f.isHidden && f.range.length >= 1) {
         if (!hiddenRanges.empty() && f.range.location <= hiddenRanges.back().upperBound())
@@ -43,10 +54,146 @@ void MarkdownEditorFragmentStore::Data::list(int i)
         else
             hiddenRanges.push_back(f.range);
     }
-    if (isDecoration(f.role))
-        decorations.push_back(i);
-    if (isHitTarget(f.role))
-        hitTargets.push_back(i);
+}
+
+void MarkdownEditorFragmentStore::Data::relist(size_t kept, int next)
+{
+    const auto from = [kept](std::vector<int>& list) {
+        list.erase(std::lower_bound(list.begin(), list.end(), int(kept)), list.end());
+    };
+    from(decorations);
+    from(hitTargets);
+    // Every fragment after the kept ones starts at or after `bound`, in the old store and this
+    // one; a hidden range ending before it holds kept fragments alone and can join nothing
+    // new. The ranges after are made again from the kept fragments that reach them.
+    const int bound = std::min(next, kept < fragments.size() ? fragments[kept].range.location : INT_MAX);
+    const auto dropped = std::partition_point(hiddenRanges.begin(), hiddenRanges.end(),
+                                              [bound](MarkdownSourceRange r) { return r.upperBound() < bound; });
+    const int redoFrom = dropped == hiddenRanges.end() ? bound : std::min(dropped->location, bound);
+    hiddenRanges.erase(dropped, hiddenRanges.end());
+    const auto begin = fragments.begin(), end = fragments.begin() + std::ptrdiff_t(kept);
+    for (auto f = std::lower_bound(begin, end, redoFrom,
+                                   [](const MarkdownEditorFragment& f, int at) { return f.range.location < at; });
+         f != end; ++f)
+        hide(*f);
+    for (size_t i = kept; i < fragments.size(); ++i)
+        list(int(i));
+}
+
+MarkdownEditorFragmentStore MarkdownEditorFragmentStore::splice(MarkdownEditorFragmentStore&& old,
+                                                                std::vector<Piece> pieces,
+                                                                std::vector<MarkdownSourceRange> selection)
+{
+    const Data& before = old.data();
+    const std::vector<int>& oldEnds = before.tileEnds;
+    const auto tileStart = [&](size_t t) { return t == 0 ? 0 : oldEnds[t - 1]; };
+    // Where each piece's fragments are in the old store and go in the new one.
+    struct Span {
+        size_t from = 0, to = 0, count = 0;
+    };
+    std::vector<Span> spans;
+    size_t total = 0;
+    for (const Piece& piece : pieces) {
+        Span span;
+        span.to = total;
+        if (piece.isNew) {
+            span.count = piece.fragments.size();
+        } else {
+            span.from = size_t(tileStart(piece.firstTile));
+            span.count = size_t(tileStart(piece.endTile)) - span.from;
+        }
+        total += span.count;
+        spans.push_back(span);
+    }
+    std::vector<int> tileEnds;
+    tileEnds.reserve(oldEnds.size() + 16);
+    for (size_t k = 0; k < pieces.size(); ++k) {
+        if (pieces[k].isNew) {
+            int end = int(spans[k].to);
+            for (int size : pieces[k].tileSizes)
+                tileEnds.push_back(end += size);
+        } else {
+            const int moved = int(spans[k].to) - int(spans[k].from);
+            for (size_t t = pieces[k].firstTile; t < pieces[k].endTile; ++t)
+                tileEnds.push_back(oldEnds[t] + moved);
+        }
+    }
+    // A leading run that stays where it was keeps its lists.
+    const size_t kept = !pieces.empty() && !pieces[0].isNew && pieces[0].shift == 0 && pieces[0].firstTile == 0
+        ? spans[0].count
+        : 0;
+    const int next = kept < before.fragments.size() ? before.fragments[kept].range.location : INT_MAX;
+
+    const bool unique = old.m_data && old.m_data.use_count() == 1;
+    std::shared_ptr<Data> data;
+    if (unique && total <= before.fragments.capacity()) {
+        // Only one owner: the fragments are edited where they are.
+        data = std::const_pointer_cast<Data>(std::move(old.m_data));
+        std::vector<MarkdownEditorFragment>& v = data->fragments;
+        const size_t oldSize = v.size();
+        if (total > oldSize)
+            v.resize(total);
+        // Runs moving to the front go first, front to back, then those moving to the back,
+        // back to front: no run is overwritten before it has moved. New fragments fill the
+        // gaps last.
+        for (size_t k = 0; k < pieces.size(); ++k) {
+            const Span& s = spans[k];
+            const int shift = pieces[k].shift;
+            if (pieces[k].isNew || s.to > s.from || (s.to == s.from && shift == 0))
+                continue;
+            for (size_t i = 0; i < s.count; ++i) {
+                MarkdownEditorFragment& f = v[s.to + i];
+                if (s.to != s.from)
+                    f = std::move(v[s.from + i]);
+                f.range.location += shift;
+            }
+        }
+        for (size_t k = pieces.size(); k-- > 0;) {
+            const Span& s = spans[k];
+            if (pieces[k].isNew || s.to <= s.from)
+                continue;
+            const int shift = pieces[k].shift;
+            for (size_t i = s.count; i-- > 0;) {
+                MarkdownEditorFragment& f = v[s.to + i];
+                f = std::move(v[s.from + i]);
+                f.range.location += shift;
+            }
+        }
+        for (size_t k = 0; k < pieces.size(); ++k) {
+            if (pieces[k].isNew)
+                std::move(pieces[k].fragments.begin(), pieces[k].fragments.end(), v.begin() + std::ptrdiff_t(spans[k].to));
+        }
+        if (total < oldSize)
+            v.erase(v.begin() + std::ptrdiff_t(total), v.end());
+    } else {
+        data = std::make_shared<Data>();
+        std::vector<MarkdownEditorFragment>& v = data->fragments;
+        // Room for the edits to come, which would otherwise move every fragment again.
+        v.reserve(total + total / 16);
+        std::vector<MarkdownEditorFragment>* source = unique ? &std::const_pointer_cast<Data>(old.m_data)->fragments
+                                                             : nullptr;
+        for (size_t k = 0; k < pieces.size(); ++k) {
+            if (pieces[k].isNew) {
+                std::move(pieces[k].fragments.begin(), pieces[k].fragments.end(), std::back_inserter(v));
+                continue;
+            }
+            for (size_t i = spans[k].from; i < spans[k].from + spans[k].count; ++i) {
+                v.push_back(source ? std::move((*source)[i]) : before.fragments[i]);
+                v.back().range.location += pieces[k].shift;
+            }
+        }
+        data->hiddenRanges = before.hiddenRanges;
+        data->decorations = before.decorations;
+        data->hitTargets = before.hitTargets;
+        data->longest = before.longest;
+    }
+    data->relist(kept, next);
+    data->tileEnds = std::move(tileEnds);
+    data->selection = std::move(selection);
+    MarkdownEditorFragmentStore store;
+    if (!data->fragments.empty())
+        store.m_data = std::move(data);
+    return store;
 }
 
 MarkdownEditorFragmentStore::Builder::Builder(size_t expected)
@@ -69,6 +216,16 @@ void MarkdownEditorFragmentStore::Builder::append(MarkdownEditorFragment&& fragm
         m_data->list(int(fragments.size()) - 1);
 }
 
+void MarkdownEditorFragmentStore::Builder::endTile()
+{
+    m_data->tileEnds.push_back(int(m_data->fragments.size()));
+}
+
+void MarkdownEditorFragmentStore::Builder::setSelection(std::vector<MarkdownSourceRange> ranges)
+{
+    m_data->selection = std::move(ranges);
+}
+
 const MarkdownEditorFragment* MarkdownEditorFragmentStore::Builder::back() const
 {
     return m_data->fragments.empty() ? nullptr : &m_data->fragments.back();
@@ -79,6 +236,7 @@ MarkdownEditorFragmentStore MarkdownEditorFragmentStore::Builder::finish() &&
     if (!m_inOrder)
         return MarkdownEditorFragmentStore(std::move(m_data->fragments));
     MarkdownEditorFragmentStore store;
+    // A store without fragments has no body, so it keeps no tiles: an empty note is styled whole.
     if (!m_data->fragments.empty())
         store.m_data = std::move(m_data);
     return store;
