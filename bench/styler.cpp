@@ -1,10 +1,11 @@
 // The styler on already parsed notes: a full pass (fragments and store; the styled text is
 // worked out by stretch) on the 1 MB note and on 100 KB of it, the styled text of the whole
 // note (what opening it writes) and of a few lines (what a keystroke writes), and the
-// incremental pass of a caret move between two lines.
+// incremental pass of a caret move between two lines, and the pass after typing a letter.
 #include "MarkdownEngine/Core/TextCharacters.h"
 #include "MarkdownEngine/Styling/MarkdownASTStyler.h"
 #include "support/BenchData.h"
+#include "../tests/MarkdownEngine/DocumentChangeFromParses.h"
 
 #include <QGuiApplication>
 #include <benchmark/benchmark.h>
@@ -137,8 +138,44 @@ void fragmentsOnly(benchmark::State& state)
     }
 }
 
+// One letter typed in a paragraph line in the middle of the 1 MB note, the caret after it: the
+// pass after the edit from the store before it, which the pass owns alone (as the editor
+// hands it over) or shares (and must copy). The parse and the pass before are not timed.
+void typeLetter(benchmark::State& state, bool shared)
+{
+    const Styled& s = note(0);
+    int at = int(s.text.indexOf(u'\n', s.text.size() / 2)) + 1;
+    while (at < s.text.size() && !s.text.at(at).isLetter())
+        at = int(s.text.indexOf(u'\n', at)) + 1;
+    at = int(s.text.indexOf(u' ', at));
+    static Styled typed;
+    typed.text = s.text.left(at) + u'x' + s.text.mid(at);
+    typed.document = MarkdownDocument::parse(typed.text);
+    const auto before = request(s, caretAt(s.text, at));
+    const auto after = request(typed, caretAt(typed.text, at + 1));
+    const MarkdownDocumentChange change = velmo::test::changeBetween(s.document, typed.document, at, at);
+    MarkdownASTStyler::Result result, first;
+    size_t styled = 0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        result = {};
+        first = MarkdownASTStyler::style(before);
+        MarkdownEditorFragmentStore old = first.fragments;
+        if (!shared)
+            first = {};
+        state.ResumeTiming();
+        result = MarkdownASTStyler::restyle(after, std::move(old), change, {});
+        styled = result.styledBlocks;
+        benchmark::DoNotOptimize(result.fragments.fragments().data());
+    }
+    state.counters["styledBlocks"] = double(styled);
+    state.counters["fragments"] = double(result.fragments.fragments().size());
 }
 
+}
+
+BENCHMARK_CAPTURE(typeLetter, soleOwner, false)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(typeLetter, shared, true)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(style, bigNote, 0)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(style, note100KB, 100 * 1024)->Unit(benchmark::kMillisecond);
 BENCHMARK(resolveWhole)->Unit(benchmark::kMillisecond);

@@ -38,46 +38,58 @@ void MarkdownEditorFragmentStore::Data::list(int i)
 {
     const MarkdownEditorFragment& f = fragments[size_t(i)];
     longest = std::max(longest, f.range.length);
-    hide(f);
+    if (f.isHidden)
+        hide(f.range);
     if (isDecoration(f.role))
         decorations.push_back(i);
     if (isHitTarget(f.role))
         hitTargets.push_back(i);
 }
 
-void MarkdownEditorFragmentStore::Data::hide(const MarkdownEditorFragment& f)
+void MarkdownEditorFragmentStore::Data::hide(MarkdownSourceRange r)
 {
     // In location order, so a hidden range can only join the last.
-    if (f.isHidden && f.range.length >= 1) {
-        if (!hiddenRanges.empty() && f.range.location <= hiddenRanges.back().upperBound())
-            hiddenRanges.back() = hiddenRanges.back().united(f.range);
-        else
-            hiddenRanges.push_back(f.range);
-    }
+    if (r.length < 1)
+        return;
+    if (!hiddenRanges.empty() && r.location <= hiddenRanges.back().upperBound())
+        hiddenRanges.back() = hiddenRanges.back().united(r);
+    else
+        hiddenRanges.push_back(r);
 }
 
-void MarkdownEditorFragmentStore::Data::relist(size_t kept, int next)
+void MarkdownEditorFragmentStore::Data::listMoved(const Data& old, size_t first, size_t last, size_t to, int shift)
 {
-    const auto from = [kept](std::vector<int>& list) {
-        list.erase(std::lower_bound(list.begin(), list.end(), int(kept)), list.end());
-    };
-    from(decorations);
-    from(hitTargets);
-    // Every fragment after the kept ones starts at or after `bound`, in the old store and this
-    // one; a hidden range ending before it holds kept fragments alone and can join nothing
-    // new. The ranges after are made again from the kept fragments that reach them.
-    const int bound = std::min(next, kept < fragments.size() ? fragments[kept].range.location : INT_MAX);
-    const auto dropped = std::partition_point(hiddenRanges.begin(), hiddenRanges.end(),
-                                              [bound](MarkdownSourceRange r) { return r.upperBound() < bound; });
-    const int redoFrom = dropped == hiddenRanges.end() ? bound : std::min(dropped->location, bound);
-    hiddenRanges.erase(dropped, hiddenRanges.end());
-    const auto begin = fragments.begin(), end = fragments.begin() + std::ptrdiff_t(kept);
-    for (auto f = std::lower_bound(begin, end, redoFrom,
-                                   [](const MarkdownEditorFragment& f, int at) { return f.range.location < at; });
-         f != end; ++f)
-        hide(*f);
-    for (size_t i = kept; i < fragments.size(); ++i)
-        list(int(i));
+    if (first == last)
+        return;
+    const int moved = int(to) - int(first);
+    for (auto [from, into] : {std::pair{&old.decorations, &decorations}, std::pair{&old.hitTargets, &hitTargets}}) {
+        const auto begin = std::lower_bound(from->begin(), from->end(), int(first));
+        const auto end = std::lower_bound(begin, from->end(), int(last));
+        for (auto i = begin; i != end; ++i)
+            into->push_back(*i + moved);
+    }
+    // A hidden range of the old store that starts after the run's first fragment and ends
+    // before the next run's is made of the run's fragments alone and moves whole. One that
+    // reaches further may hold other runs' fragments too: it is made again from the run's.
+    const std::vector<MarkdownEditorFragment>& all = old.fragments;
+    const int runStart = all[first].range.location;
+    const int runEnd = last < all.size() ? all[last].range.location : INT_MAX;
+    const auto& hidden = old.hiddenRanges;
+    const auto before = [](const MarkdownEditorFragment& f, int at) { return f.range.location < at; };
+    const auto end = all.begin() + std::ptrdiff_t(last);
+    for (auto e = std::partition_point(hidden.begin(), hidden.end(),
+                                       [runStart](MarkdownSourceRange r) { return r.upperBound() <= runStart; });
+         e != hidden.end() && e->location <= runEnd; ++e) {
+        if (e->location > runStart && e->upperBound() < runEnd) {
+            hide({e->location + shift, e->length});
+            continue;
+        }
+        for (auto f = std::lower_bound(all.begin() + std::ptrdiff_t(first), end, e->location, before);
+             f != end && f->range.location < e->upperBound(); ++f) {
+            if (f->isHidden)
+                hide({f->range.location + shift, f->range.length});
+        }
+    }
 }
 
 MarkdownEditorFragmentStore MarkdownEditorFragmentStore::splice(MarkdownEditorFragmentStore&& old,
@@ -105,24 +117,38 @@ MarkdownEditorFragmentStore MarkdownEditorFragmentStore::splice(MarkdownEditorFr
         total += span.count;
         spans.push_back(span);
     }
-    std::vector<int> tileEnds;
-    tileEnds.reserve(oldEnds.size() + 16);
+
+    // The lists, made before any fragment moves: those of the old runs moved along, those of
+    // the new fragments made.
+    Data listed;
+    Data* const lists = &listed;
+    lists->longest = before.longest;
+    lists->decorations.reserve(before.decorations.size() + 16);
+    lists->hitTargets.reserve(before.hitTargets.size() + 16);
+    lists->hiddenRanges.reserve(before.hiddenRanges.size() + 16);
+    lists->tileEnds.reserve(oldEnds.size() + 16);
     for (size_t k = 0; k < pieces.size(); ++k) {
-        if (pieces[k].isNew) {
-            int end = int(spans[k].to);
-            for (int size : pieces[k].tileSizes)
-                tileEnds.push_back(end += size);
-        } else {
-            const int moved = int(spans[k].to) - int(spans[k].from);
+        const Span& s = spans[k];
+        if (!pieces[k].isNew) {
+            lists->listMoved(before, s.from, s.from + s.count, s.to, pieces[k].shift);
             for (size_t t = pieces[k].firstTile; t < pieces[k].endTile; ++t)
-                tileEnds.push_back(oldEnds[t] + moved);
+                lists->tileEnds.push_back(oldEnds[t] + int(s.to) - int(s.from));
+            continue;
         }
+        for (size_t j = 0; j < s.count; ++j) {
+            const MarkdownEditorFragment& f = pieces[k].fragments[j];
+            lists->longest = std::max(lists->longest, f.range.length);
+            if (f.isHidden)
+                lists->hide(f.range);
+            if (isDecoration(f.role))
+                lists->decorations.push_back(int(s.to + j));
+            if (isHitTarget(f.role))
+                lists->hitTargets.push_back(int(s.to + j));
+        }
+        int end = int(s.to);
+        for (int size : pieces[k].tileSizes)
+            lists->tileEnds.push_back(end += size);
     }
-    // A leading run that stays where it was keeps its lists.
-    const size_t kept = !pieces.empty() && !pieces[0].isNew && pieces[0].shift == 0 && pieces[0].firstTile == 0
-        ? spans[0].count
-        : 0;
-    const int next = kept < before.fragments.size() ? before.fragments[kept].range.location : INT_MAX;
 
     const bool unique = old.m_data && old.m_data.use_count() == 1;
     std::shared_ptr<Data> data;
@@ -182,13 +208,12 @@ MarkdownEditorFragmentStore MarkdownEditorFragmentStore::splice(MarkdownEditorFr
                 v.back().range.location += pieces[k].shift;
             }
         }
-        data->hiddenRanges = before.hiddenRanges;
-        data->decorations = before.decorations;
-        data->hitTargets = before.hitTargets;
-        data->longest = before.longest;
     }
-    data->relist(kept, next);
-    data->tileEnds = std::move(tileEnds);
+    data->hiddenRanges = std::move(lists->hiddenRanges);
+    data->decorations = std::move(lists->decorations);
+    data->hitTargets = std::move(lists->hitTargets);
+    data->longest = lists->longest;
+    data->tileEnds = std::move(lists->tileEnds);
     data->selection = std::move(selection);
     MarkdownEditorFragmentStore store;
     if (!data->fragments.empty())

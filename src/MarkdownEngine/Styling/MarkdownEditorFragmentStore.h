@@ -108,11 +108,11 @@ private:
 
         // Adds fragments[i], the last so far in order, to the lists.
         void list(int i);
-        // Adds a fragment to the hidden ranges alone.
-        void hide(const MarkdownEditorFragment& f);
-        // Keeps the lists of the first `kept` fragments, which `next` (the location of the
-        // old fragment after them) followed, and lists the rest anew.
-        void relist(size_t kept, int next);
+        // Adds a hidden range, the last so far in order.
+        void hide(MarkdownSourceRange r);
+        // Takes the lists of old fragments [first, last), which now start at `to`, their
+        // ranges moved by `shift`: the lists are moved along rather than made again.
+        void listMoved(const Data& old, size_t first, size_t last, size_t to, int shift);
     };
     [[nodiscard]] const Data& data() const;
     // Indices of the fragments that overlap `in`, in order.
