@@ -141,7 +141,29 @@ void fragmentsOnly(benchmark::State& state)
 // One letter typed in a paragraph line in the middle of the 1 MB note, the caret after it: the
 // pass after the edit from the store before it, which the pass owns alone (as the editor
 // hands it over) or shares (and must copy). The parse and the pass before are not timed.
-void typeLetter(benchmark::State& state, bool shared)
+// Every fence coloured word by word, keyed as the editor keys its colourings.
+QHash<QString, MarkdownStyledText> colouring(const MarkdownDocument& document)
+{
+    QHash<QString, MarkdownStyledText> code;
+    for (const MarkdownBlock& block : document.blocks) {
+        if (!block.is<block_kind::Fence>() || block.contentRange.length <= 0)
+            continue;
+        const QString content = document.text.mid(block.contentRange.location, block.contentRange.length);
+        MarkdownStyledText styled(content, {});
+        MarkdownTextAttributes a;
+        for (int at = 0, word = 0; at < content.size(); ++word) {
+            qsizetype end = content.indexOf(u' ', at + 1);
+            end = end < 0 ? content.size() : end;
+            a.setForeground(word % 2 ? QColor(200, 0, 0) : QColor(0, 0, 200));
+            styled.add(MarkdownSourceRange::fromBounds(at, int(end)), a);
+            at = int(end);
+        }
+        code.insert(MarkdownASTStyler::codeKey(block), styled);
+    }
+    return code;
+}
+
+void typeLetter(benchmark::State& state, bool shared, bool coloured)
 {
     const Styled& s = note(0);
     int at = int(s.text.indexOf(u'\n', s.text.size() / 2)) + 1;
@@ -151,8 +173,15 @@ void typeLetter(benchmark::State& state, bool shared)
     static Styled typed;
     typed.text = s.text.left(at) + u'x' + s.text.mid(at);
     typed.document = MarkdownDocument::parse(typed.text);
-    const auto before = request(s, caretAt(s.text, at));
-    const auto after = request(typed, caretAt(typed.text, at + 1));
+    auto before = request(s, caretAt(s.text, at));
+    auto after = request(typed, caretAt(typed.text, at + 1));
+    static QHash<QString, MarkdownStyledText> codeBefore, codeAfter;
+    if (coloured) {
+        codeBefore = colouring(s.document);
+        codeAfter = colouring(typed.document);
+        before.highlightedCode = &codeBefore;
+        after.highlightedCode = &codeAfter;
+    }
     const MarkdownDocumentChange change = velmo::test::changeBetween(s.document, typed.document, at, at);
     MarkdownASTStyler::Result result, first;
     size_t styled = 0;
@@ -174,8 +203,9 @@ void typeLetter(benchmark::State& state, bool shared)
 
 }
 
-BENCHMARK_CAPTURE(typeLetter, soleOwner, false)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(typeLetter, shared, true)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(typeLetter, soleOwner, false, false)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(typeLetter, shared, true, false)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(typeLetter, colouredFences, false, true)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(style, bigNote, 0)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(style, note100KB, 100 * 1024)->Unit(benchmark::kMillisecond);
 BENCHMARK(resolveWhole)->Unit(benchmark::kMillisecond);

@@ -177,10 +177,12 @@ TEST(MarkdownASTStylerRestyle, EqualsAFullPassAfterAnyEdit)
                      selection(after, std::max(from - 3, 0), caret)},
                 };
                 for (const auto& [oldSelection, newSelection] : selections) {
-                    for (const bool coloured : {false, true}) {
+                    // Fences coloured before and after, or only on one side of the edit.
+                    for (const auto [colouredBefore, colouredAfter] :
+                         {std::pair{false, false}, std::pair{true, true}, std::pair{true, false}, std::pair{false, true}}) {
                         Pass old, now;
-                        prepare(old, before, oldSelection, config, attachments, coloured);
-                        prepare(now, after, newSelection, config, attachments, coloured);
+                        prepare(old, before, oldSelection, config, attachments, colouredBefore);
+                        prepare(now, after, newSelection, config, attachments, colouredAfter);
                         MarkdownASTStyler::Result first = MarkdownASTStyler::style(old.request);
                         const MarkdownASTStyler::Result expected = MarkdownASTStyler::style(now.request);
                         const MarkdownDocumentChange change = velmo::test::changeBetween(old.document, now.document,
@@ -202,7 +204,7 @@ TEST(MarkdownASTStylerRestyle, EqualsAFullPassAfterAnyEdit)
             lineStart = lineEnd + 1;
         }
     }
-    EXPECT_GT(passes, 4000u);
+    EXPECT_GT(passes, 8000u);
 }
 
 // An edit styles again its blocks, the one before, the list runs they border and the
