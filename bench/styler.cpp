@@ -5,7 +5,7 @@
 #include "MarkdownEngine/Core/TextCharacters.h"
 #include "MarkdownEngine/Styling/MarkdownASTStyler.h"
 #include "support/BenchData.h"
-#include "../tests/MarkdownEngine/DocumentChangeFromParses.h"
+#include "../tests/MarkdownEngine/RestyleSupport.h"
 
 #include <QGuiApplication>
 #include <benchmark/benchmark.h>

@@ -1,7 +1,4 @@
-#include "MarkdownEngine/Styling/MarkdownASTStyler.h"
-#include "MarkdownEngine/Styling/MarkdownFragmentDump.h"
-
-#include "DocumentChangeFromParses.h"
+#include "RestyleSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -57,19 +54,11 @@ const Edit edits[] = {
     {"type a fence opener", [](const QString&, int s, int) { return std::tuple{s, s, QStringLiteral("```\n")}; }},
 };
 
+// The selection with its lines, as the coordinator reports it.
 MarkdownSourceEditorState selection(const QString& text, int from, int to)
 {
-    MarkdownSourceEditorState state;
-    state.selectedRanges = {MarkdownSourceRange::fromBounds(from, to)};
-    if (from == to) {
-        state.selectedLineRanges = MarkdownASTStyler::activeLineRanges(state, text);
-    } else {
-        const int first = int(text.lastIndexOf(u'\n', std::max(from - 1, 0))) + 1;
-        const qsizetype end = text.indexOf(u'\n', std::max(to - 1, 0));
-        state.selectedLineRanges = {
-            MarkdownSourceRange::fromBounds(from == 0 ? 0 : first, end < 0 ? int(text.size()) : int(end) + 1)};
-    }
-    return state;
+    const auto lines = MarkdownASTStyler::activeLineRanges({{{from, 0}, {to, 0}}, {}}, text);
+    return {{MarkdownSourceRange::fromBounds(from, to)}, {lines.front().united(lines.back())}};
 }
 
 // Every fence coloured, keyed as the coordinator keys it.
@@ -106,47 +95,18 @@ void prepare(Pass& pass, const QString& text, MarkdownSourceEditorState state, c
     pass.request.highlightedCode = &pass.code;
 }
 
-// The first difference between two results, or an empty string.
-std::string difference(const MarkdownASTStyler::Result& got, const MarkdownASTStyler::Result& expected,
-                       const QString& text)
+// The pass after an edit from `old`'s store, beside a full one; the old store alone or shared.
+std::string restyleDifference(const Pass& old, const Pass& now, int editStart, int editEnd, bool shared,
+                              const std::vector<MarkdownSourceRange>& stale = {}, size_t* styled = nullptr)
 {
-    const auto& a = got.fragments.fragments();
-    const auto& b = expected.fragments.fragments();
-    for (size_t i = 0; i < std::max(a.size(), b.size()); ++i) {
-        if (i >= a.size() || i >= b.size() || !(a[i] == b[i])) {
-            const auto line = [&](const auto& list) {
-                return i < list.size() ? MarkdownFragmentDump::fragmentLine(list[i], text).toStdString() : "(none)";
-            };
-            return "fragment " + std::to_string(i) + ": got " + line(a) + "\n  expected " + line(b);
-        }
-    }
-    if (got.activeLines != expected.activeLines)
-        return "active lines";
-    if (got.fragments.hiddenRanges() != expected.fragments.hiddenRanges())
-        return "hidden ranges";
-    const auto indices = [](const MarkdownEditorFragmentStore& store, auto list) {
-        std::vector<ptrdiff_t> out;
-        for (const MarkdownEditorFragment* f : (store.*list)())
-            out.push_back(f - store.fragments().data());
-        return out;
-    };
-    if (indices(got.fragments, &MarkdownEditorFragmentStore::hitTargets)
-        != indices(expected.fragments, &MarkdownEditorFragmentStore::hitTargets))
-        return "hit targets";
-    const auto decorations = static_cast<std::vector<const MarkdownEditorFragment*> (MarkdownEditorFragmentStore::*)()
-                                            const>(&MarkdownEditorFragmentStore::decorations);
-    if (indices(got.fragments, decorations) != indices(expected.fragments, decorations))
-        return "decorations";
-    if (got.fragments.tileEnds() != expected.fragments.tileEnds())
-        return "tiles";
-    const MarkdownStyledText x = got.attributedString.resolved(), y = expected.attributedString.resolved();
-    if (x.text() != y.text() || x.runs().size() != y.runs().size())
-        return "styled text";
-    for (size_t i = 0; i < x.runs().size(); ++i) {
-        if (x.runs()[i].range != y.runs()[i].range || !(x.runs()[i].attributes == y.runs()[i].attributes))
-            return "styled run " + std::to_string(i);
-    }
-    return {};
+    MarkdownASTStyler::Result first = MarkdownASTStyler::style(old.request);
+    if (!shared)
+        first.attributedString = {};
+    const auto change = velmo::test::changeBetween(old.document, now.document, editStart, editEnd);
+    const auto got = MarkdownASTStyler::restyle(now.request, std::move(first.fragments), change, stale);
+    if (styled)
+        *styled = got.styledBlocks;
+    return velmo::test::difference(got, MarkdownASTStyler::style(now.request), now.document.text);
 }
 
 }
@@ -183,21 +143,10 @@ TEST(MarkdownASTStylerRestyle, EqualsAFullPassAfterAnyEdit)
                         Pass old, now;
                         prepare(old, before, oldSelection, config, attachments, colouredBefore);
                         prepare(now, after, newSelection, config, attachments, colouredAfter);
-                        MarkdownASTStyler::Result first = MarkdownASTStyler::style(old.request);
-                        const MarkdownASTStyler::Result expected = MarkdownASTStyler::style(now.request);
-                        const MarkdownDocumentChange change = velmo::test::changeBetween(old.document, now.document,
-                                                                                         from, to);
                         // Alternately sole owner of the old store and sharing it with its styled text.
-                        if (passes % 2 == 0)
-                            first.attributedString = {};
-                        const MarkdownASTStyler::Result got = MarkdownASTStyler::restyle(
-                            now.request, std::move(first.fragments), change, {});
-                        ++passes;
-
-                        const std::string diff = difference(got, expected, after);
-                        ASSERT_EQ(diff, "") << edit.name << " at " << from << " of\n"
-                                            << before.toStdString() << "\n--- giving\n"
-                                            << after.toStdString();
+                        ASSERT_EQ(restyleDifference(old, now, from, to, ++passes % 2), "")
+                            << edit.name << " at " << from << " of\n"
+                            << before.toStdString() << "\n--- giving\n" << after.toStdString();
                     }
                 }
             }
@@ -238,11 +187,9 @@ TEST(MarkdownASTStylerRestyle, StylesOnlyWhatTheEditReaches)
         Pass old, now;
         prepare(old, before, selection(before, at, at), config, attachments, false);
         prepare(now, after, selection(after, caret, caret), config, attachments, false);
-        MarkdownASTStyler::Result first = MarkdownASTStyler::style(old.request);
-        const auto change = velmo::test::changeBetween(old.document, now.document, at, at);
-        const auto got = MarkdownASTStyler::restyle(now.request, std::move(first.fragments), change, {});
-        EXPECT_EQ(difference(got, MarkdownASTStyler::style(now.request), after), "") << after.toStdString();
-        EXPECT_EQ(got.styledBlocks, c.styled) << after.toStdString();
+        size_t styled = 0;
+        EXPECT_EQ(restyleDifference(old, now, at, at, false, {}, &styled), "") << after.toStdString();
+        EXPECT_EQ(styled, c.styled) << after.toStdString();
     }
 }
 
@@ -258,30 +205,8 @@ TEST(MarkdownASTStylerRestyle, StylesStaleRangesAgain)
     prepare(old, before, selection(before, 20, 20), config, attachments, false);
     prepare(now, after, selection(after, 6, 6), config, attachments, false);
     const int para = int(before.indexOf(u"para"));
-    MarkdownASTStyler::Result first = MarkdownASTStyler::style(old.request);
-    const MarkdownDocumentChange change = velmo::test::changeBetween(old.document, now.document, 5, 5);
-    const auto got = MarkdownASTStyler::restyle(now.request, std::move(first.fragments), change, {{para, 4}});
-    EXPECT_EQ(difference(got, MarkdownASTStyler::style(now.request), after), "");
-    // The heading and the block before it, "para" (stale), "text" (the old caret's): not "# Two".
-    EXPECT_EQ(got.styledBlocks, 3u);
-}
-
-// Raw source and an edit over most of the note are styled whole.
-TEST(MarkdownASTStylerRestyle, FallsBackToAFullPass)
-{
-    MarkdownEditorConfiguration config;
-    MarkdownEditorAttachmentFactory attachments(config.services);
-    const QString before = QStringLiteral("a\n\nb\n\nc\n");
-    const QString after = QStringLiteral("```\na\n\nb\n\nc\n");
-    Pass old, now;
-    prepare(old, before, selection(before, 0, 0), config, attachments, false);
-    prepare(now, after, selection(after, 4, 4), config, attachments, false);
-    MarkdownASTStyler::Result first = MarkdownASTStyler::style(old.request);
-    const auto change = velmo::test::changeBetween(old.document, now.document, 0, 0);
-    const auto got = MarkdownASTStyler::restyle(now.request, std::move(first.fragments), change, {});
-    EXPECT_EQ(difference(got, MarkdownASTStyler::style(now.request), after), "");
-    config.rawSourceMode = true;
-    const auto raw = MarkdownASTStyler::restyle(now.request, MarkdownASTStyler::style(old.request).fragments, change, {});
-    EXPECT_TRUE(raw.fragments.isEmpty());
-    EXPECT_EQ(raw.attributedString.text(), after);
+    size_t styled = 0;
+    EXPECT_EQ(restyleDifference(old, now, 5, 5, false, {{para, 4}}, &styled), "");
+    // The edited heading, "para" (stale) and "text" (the old caret's), but not "# Two".
+    EXPECT_EQ(styled, 3u);
 }

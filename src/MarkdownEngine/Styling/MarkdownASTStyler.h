@@ -76,19 +76,19 @@ public:
 
     [[nodiscard]] static Result style(const Request& request);
     // What `style(request)` returns, made from `old`, the store of the pass before an edit
-    // that `change` describes: the blocks the edit replaced and the one before them, those the
-    // selection touches now or touched when `old` was made, and those `stale` (ranges of the
-    // old text, such as a selection overlay's) touches are styled again, with every list run
-    // they border and every fence whose colouring may differ; the other blocks keep their
-    // fragments, moved by the edit. Falls back to `style` where that cannot be had cheaply
-    // (raw source, an edit over half the blocks, a store not made block by block, fragments
-    // out of order). Pass `old` by move: when nothing else shares it, its fragments are
+    // that `change` describes. Styled again: the blocks the edit replaced and the one before
+    // them, with the list runs they border; the blocks the selection touches now or touched
+    // when `old` was made (the store remembers that selection); those `stale` touches, ranges
+    // of the old text whose fragments must not be kept for any other reason; and fences whose
+    // colouring may differ. The other blocks keep their fragments, moved by the edit. Falls
+    // back to `style` where that cannot be had cheaply (raw source, an edit over half the
+    // blocks, a store not made block by block, fragments out of order), so it may be called
+    // after any edit. Pass `old` by move: when nothing else shares it, its fragments are
     // edited in place rather than copied.
     //
     // `old` must come from `style` or `restyle` of the document before the edit with the same
     // configuration, parse options, embed width and attachment factory (its cache not
-    // emptied since); a colouring in `highlightedCode` is taken to be the same for the same
-    // key and text.
+    // emptied since); a fence's colouring is taken to be the same for the same key and text.
     [[nodiscard]] static Result restyle(const Request& request, MarkdownEditorFragmentStore old,
                                         const MarkdownDocumentChange& change,
                                         const std::vector<MarkdownSourceRange>& stale);
