@@ -178,8 +178,10 @@ TEST(MarkdownASTStylerRestyle, StylesOnlyWhatTheEditReaches)
     };
     MarkdownEditorConfiguration config;
     MarkdownEditorAttachmentFactory attachments(config.services);
+    // Paragraphs after every case, so that no case marks half the blocks.
+    const QString tail = QStringLiteral("\n\no").repeated(10) + u'\n';
     for (const Case& c : cases) {
-        QString before = QString::fromUtf16(c.before);
+        QString before = QString::fromUtf16(c.before) + tail;
         const int at = int(before.indexOf(u'|'));
         before.remove(at, 1);
         const QString after = before.left(at) + QString::fromUtf16(c.typed) + before.mid(at);
@@ -196,13 +198,14 @@ TEST(MarkdownASTStylerRestyle, StylesOnlyWhatTheEditReaches)
 // Stale ranges of the old text are styled again, wherever the edit moved them.
 TEST(MarkdownASTStylerRestyle, StylesStaleRangesAgain)
 {
-    const QString before = QStringLiteral("# One\n\npara **b**\n\n# Two\n\ntext *i*\n");
-    const QString after = QStringLiteral("# One!\n\npara **b**\n\n# Two\n\ntext *i*\n");
+    const QString tail = QStringLiteral("\n\no").repeated(4);
+    const QString before = QStringLiteral("# One\n\npara **b**\n\n# Two\n\ntext *i*") + tail;
+    const QString after = QStringLiteral("# One!\n\npara **b**\n\n# Two\n\ntext *i*") + tail;
     MarkdownEditorConfiguration config;
     MarkdownEditorAttachmentFactory attachments(config.services);
     Pass old, now;
     // The old store was made with the caret on "text", then an overlay revealed "para".
-    prepare(old, before, selection(before, 20, 20), config, attachments, false);
+    prepare(old, before, selection(before, int(before.indexOf(u"text")), int(before.indexOf(u"text"))), config, attachments, false);
     prepare(now, after, selection(after, 6, 6), config, attachments, false);
     const int para = int(before.indexOf(u"para"));
     size_t styled = 0;

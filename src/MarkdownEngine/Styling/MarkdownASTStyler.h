@@ -81,10 +81,10 @@ public:
     // when `old` was made (the store remembers that selection); those `stale` touches, ranges
     // of the old text whose fragments must not be kept for any other reason; and fences whose
     // colouring may differ. The other blocks keep their fragments, moved by the edit. Falls
-    // back to `style` where that cannot be had cheaply (raw source, an edit over half the
-    // blocks, a store not made block by block, fragments out of order), so it may be called
-    // after any edit. Pass `old` by move: when nothing else shares it, its fragments are
-    // edited in place rather than copied.
+    // back to `style` where that cannot be had cheaply (raw source, an edit or a selection
+    // over half the blocks, a store not made block by block, fragments out of order), so it
+    // may be called after any edit. Pass `old` by move: when nothing else shares it, its
+    // fragments are edited in place rather than copied.
     //
     // `old` must come from `style` or `restyle` of the document before the edit with the same
     // configuration, parse options, embed width and attachment factory (its cache not

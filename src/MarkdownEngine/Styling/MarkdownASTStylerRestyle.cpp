@@ -5,7 +5,8 @@ namespace velmo::markdown {
 // The pass after an edit, in order:
 // 1. Checks that the old store was made tile by tile for the old blocks; else a full pass.
 // 2. Marks the blocks to style again: the edit's (grown to the list runs they border), those
-//    the selection touches now or did then, and fences whose colouring may have changed.
+//    the selection touches now or did then, and fences whose colouring may have changed;
+//    more than half of them is a full pass.
 // 3. Styles the marked blocks' tiles; the unmarked keep their old tiles, moved by the edit.
 // 4. Checks the store order where old and new tiles meet, and splices the store.
 //
@@ -105,6 +106,10 @@ MarkdownASTStyler::Result MarkdownASTStyler::restyle(const Request& request, Mar
         if (hasColouring ? moved || !hadColouring : hadColouring)
             marked[i] = 1;
     }
+
+    // A selection over most of the note: the full pass is cheaper than splicing.
+    if (size_t(std::count(marked.begin(), marked.end(), 1)) * 2 > count)
+        return style(request);
 
     // 3. Runs of marked blocks styled again, runs of the others kept.
     const MarkdownExtensionRegistry registry(config.extensions);
