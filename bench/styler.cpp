@@ -138,9 +138,6 @@ void fragmentsOnly(benchmark::State& state)
     }
 }
 
-// One letter typed in a paragraph line in the middle of the 1 MB note, the caret after it: the
-// pass after the edit from the store before it, which the pass owns alone (as the editor
-// hands it over) or shares (and must copy). The parse and the pass before are not timed.
 // Every fence coloured word by word, keyed as the editor keys its colourings.
 QHash<QString, MarkdownStyledText> colouring(const MarkdownDocument& document)
 {
@@ -163,7 +160,10 @@ QHash<QString, MarkdownStyledText> colouring(const MarkdownDocument& document)
     return code;
 }
 
-void typeLetter(benchmark::State& state, bool shared, bool coloured)
+// Text typed in a paragraph line in the middle of the 1 MB note, the caret after it: the pass
+// after the edit from the store before it, which the pass owns alone (as the editor hands it
+// over) or shares (and must copy). The parse and the pass before are not timed.
+void typeLetter(benchmark::State& state, bool shared, bool coloured, const char16_t* letter)
 {
     const Styled& s = note(0);
     int at = int(s.text.indexOf(u'\n', s.text.size() / 2)) + 1;
@@ -171,10 +171,11 @@ void typeLetter(benchmark::State& state, bool shared, bool coloured)
         at = int(s.text.indexOf(u'\n', at)) + 1;
     at = int(s.text.indexOf(u' ', at));
     static Styled typed;
-    typed.text = s.text.left(at) + u'x' + s.text.mid(at);
+    const QString inserted = QString::fromUtf16(letter);
+    typed.text = s.text.left(at) + inserted + s.text.mid(at);
     typed.document = MarkdownDocument::parse(typed.text);
     auto before = request(s, caretAt(s.text, at));
-    auto after = request(typed, caretAt(typed.text, at + 1));
+    auto after = request(typed, caretAt(typed.text, at + int(inserted.size())));
     static QHash<QString, MarkdownStyledText> codeBefore, codeAfter;
     if (coloured) {
         codeBefore = colouring(s.document);
@@ -203,9 +204,11 @@ void typeLetter(benchmark::State& state, bool shared, bool coloured)
 
 }
 
-BENCHMARK_CAPTURE(typeLetter, soleOwner, false, false)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(typeLetter, shared, true, false)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(typeLetter, colouredFences, false, true)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(typeLetter, soleOwner, false, false, u"x")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(typeLetter, shared, true, false, u"x")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(typeLetter, colouredFences, false, true, u"x")->Unit(benchmark::kMillisecond);
+// A paragraph split in two: the fragments after it move along the vector.
+BENCHMARK_CAPTURE(typeLetter, splitParagraph, false, false, u"\n\n")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(style, bigNote, 0)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(style, note100KB, 100 * 1024)->Unit(benchmark::kMillisecond);
 BENCHMARK(resolveWhole)->Unit(benchmark::kMillisecond);
