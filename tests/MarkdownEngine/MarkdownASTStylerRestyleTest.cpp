@@ -6,11 +6,17 @@ using namespace velmo::markdown;
 
 namespace {
 
-// Formulas become pictures, so that kept tiles carry attachments.
+// Formulas and diagrams become pictures, so that kept tiles carry attachments.
 struct FixedLatex final : LatexRenderer {
     std::optional<LatexRenderResult> render(const QString&, LatexRenderMode) override
     {
         return LatexRenderResult{QImage(10, 10, QImage::Format_ARGB32), QSizeF(10, 30), 2};
+    }
+};
+struct FixedDiagram final : DiagramImageRenderer {
+    std::optional<EmbeddedImageInfo> render(const QString&, const QString&) override
+    {
+        return EmbeddedImageInfo{QImage(80, 10, QImage::Format_ARGB32), QSizeF(80, 10), std::nullopt};
     }
 };
 
@@ -22,7 +28,7 @@ const char16_t* const notes[] = {
     u"between\n\n- a\n  - nested\n- b\n\n* [ ] task\n* [x] done #tag\n\nend\n",
     u"> quoted *text*\n> more\n\n> [!NOTE]\n> a callout #c\n\n- item\n> quote after item\n\ntail\n",
     u"Text before\n\n```cpp\nint main() { return 0; } // #x\n```\n\nmiddle $x^2$ inline\n\n$$\na + b\n$$\n\n"
-    u"~~~\nplain\n~~~\n\nafter\n",
+    u"~~~\nplain\n~~~\n\n```mermaid\ngraph TD\n```\n\nafter\n",
     u"| a | b |\n|---|:-:|\n| 1 | 2 |\n| 3 | [[Wiki]] |\n\npara #t\n\n| x |\n|---|\n| y |\n",
     u"8. h\n9. i\n10. j\n\n- x\n- y\n\n1) p\n2) q\n",
 };
@@ -117,6 +123,7 @@ TEST(MarkdownASTStylerRestyle, EqualsAFullPassAfterAnyEdit)
 {
     MarkdownEditorConfiguration config;
     config.services.latex = std::make_shared<FixedLatex>();
+    config.services.diagrams = std::make_shared<FixedDiagram>();
     MarkdownEditorAttachmentFactory attachments(config.services);
     size_t passes = 0;
     for (const char16_t* note : notes) {
