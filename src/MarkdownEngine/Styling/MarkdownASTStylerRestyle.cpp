@@ -37,6 +37,7 @@ MarkdownASTStyler::Result MarkdownASTStyler::restyle(const Request& request, Mar
     const std::vector<MarkdownBlock>& blocks = request.document->blocks;
     const QString& text = request.document->text;
     const size_t count = blocks.size();
+    // 1. One old tile for every old block.
     const std::vector<int>& oldEnds = old.tileEnds();
     const size_t replaced = std::max(change.oldEnd, change.newEnd) - std::min(change.firstBlock, change.oldEnd);
     const bool fits = !config.rawSourceMode && count > 0 && change.firstBlock <= change.oldEnd
