@@ -40,8 +40,8 @@ public:
 
     [[nodiscard]] static MarkdownEditorFragmentStore empty() { return {}; }
 
-    // A piece of a store spliced after an edit: this store's tiles [firstTile, endTile) with
-    // every range moved by `shift`, or, when `isNew`, new fragments with each tile's count.
+    // A piece of a store spliced after an edit: the old store's tiles [firstTile, endTile)
+    // with every range moved by `shift`, or, when `isNew`, new fragments with each tile's count.
     struct Piece {
         bool isNew = false;
         size_t firstTile = 0, endTile = 0;
@@ -50,7 +50,7 @@ public:
         std::vector<int> tileSizes;
     };
     // The store of the pieces in turn, which the caller has checked to be in store order.
-    // Takes this store's fragments over when nothing else shares them, and moves in place
+    // Takes the old store's fragments over when nothing else shares them, and moves in place
     // only the pieces whose index changes; copies them otherwise.
     [[nodiscard]] static MarkdownEditorFragmentStore splice(MarkdownEditorFragmentStore&& old,
                                                             std::vector<Piece> pieces,
