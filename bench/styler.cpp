@@ -1,10 +1,11 @@
 // The styler on already parsed notes: a full pass (fragments and store; the styled text is
 // worked out by stretch) on the 1 MB note and on 100 KB of it, the styled text of the whole
 // note (what opening it writes) and of a few lines (what a keystroke writes), and the
-// incremental pass of a caret move between two lines.
+// incremental pass of a caret move between two lines, and the pass after typing a letter.
 #include "MarkdownEngine/Core/TextCharacters.h"
 #include "MarkdownEngine/Styling/MarkdownASTStyler.h"
 #include "support/BenchData.h"
+#include "../tests/MarkdownEngine/RestyleSupport.h"
 
 #include <QGuiApplication>
 #include <benchmark/benchmark.h>
@@ -137,8 +138,77 @@ void fragmentsOnly(benchmark::State& state)
     }
 }
 
+// Every fence coloured word by word, keyed as the editor keys its colourings.
+QHash<QString, MarkdownStyledText> colouring(const MarkdownDocument& document)
+{
+    QHash<QString, MarkdownStyledText> code;
+    for (const MarkdownBlock& block : document.blocks) {
+        if (!block.is<block_kind::Fence>() || block.contentRange.length <= 0)
+            continue;
+        const QString content = document.text.mid(block.contentRange.location, block.contentRange.length);
+        MarkdownStyledText styled(content, {});
+        MarkdownTextAttributes a;
+        for (int at = 0, word = 0; at < content.size(); ++word) {
+            qsizetype end = content.indexOf(u' ', at + 1);
+            end = end < 0 ? content.size() : end;
+            a.setForeground(word % 2 ? QColor(200, 0, 0) : QColor(0, 0, 200));
+            styled.add(MarkdownSourceRange::fromBounds(at, int(end)), a);
+            at = int(end);
+        }
+        code.insert(MarkdownASTStyler::codeKey(block), styled);
+    }
+    return code;
 }
 
+// Text typed in a paragraph line in the middle of the 1 MB note, the caret after it: the pass
+// after the edit from the store before it, which the pass owns alone (as the editor hands it
+// over) or shares (and must copy). The parse and the pass before are not timed.
+void typeLetter(benchmark::State& state, bool shared, bool coloured, const char16_t* letter)
+{
+    const Styled& s = note(0);
+    int at = int(s.text.indexOf(u'\n', s.text.size() / 2)) + 1;
+    while (at < s.text.size() && !s.text.at(at).isLetter())
+        at = int(s.text.indexOf(u'\n', at)) + 1;
+    at = int(s.text.indexOf(u' ', at));
+    static Styled typed;
+    const QString inserted = QString::fromUtf16(letter);
+    typed.text = s.text.left(at) + inserted + s.text.mid(at);
+    typed.document = MarkdownDocument::parse(typed.text);
+    auto before = request(s, caretAt(s.text, at));
+    auto after = request(typed, caretAt(typed.text, at + int(inserted.size())));
+    static QHash<QString, MarkdownStyledText> codeBefore, codeAfter;
+    if (coloured) {
+        codeBefore = colouring(s.document);
+        codeAfter = colouring(typed.document);
+        before.highlightedCode = &codeBefore;
+        after.highlightedCode = &codeAfter;
+    }
+    const MarkdownDocumentChange change = velmo::test::changeBetween(s.document, typed.document, at, at);
+    MarkdownASTStyler::Result result, first;
+    size_t styled = 0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        result = {};
+        first = MarkdownASTStyler::style(before);
+        MarkdownEditorFragmentStore old = first.fragments;
+        if (!shared)
+            first = {};
+        state.ResumeTiming();
+        result = MarkdownASTStyler::restyle(after, std::move(old), change, {});
+        styled = result.styledBlocks;
+        benchmark::DoNotOptimize(result.fragments.fragments().data());
+    }
+    state.counters["styledBlocks"] = double(styled);
+    state.counters["fragments"] = double(result.fragments.fragments().size());
+}
+
+}
+
+BENCHMARK_CAPTURE(typeLetter, soleOwner, false, false, u"x")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(typeLetter, shared, true, false, u"x")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(typeLetter, colouredFences, false, true, u"x")->Unit(benchmark::kMillisecond);
+// A paragraph split in two: the fragments after it move along the vector.
+BENCHMARK_CAPTURE(typeLetter, splitParagraph, false, false, u"\n\n")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(style, bigNote, 0)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(style, note100KB, 100 * 1024)->Unit(benchmark::kMillisecond);
 BENCHMARK(resolveWhole)->Unit(benchmark::kMillisecond);

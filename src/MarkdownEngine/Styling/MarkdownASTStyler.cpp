@@ -22,15 +22,6 @@ namespace {
 
 using Role = MarkdownEditorFragmentRole;
 
-DirectiveRegistry makeDirectives(const MarkdownEditorConfiguration& config)
-{
-    try {
-        return DirectiveRegistry(config.directives, config.directiveSettings);
-    } catch (const DirectiveRegistryError&) {
-        return DirectiveRegistry();
-    }
-}
-
 bool excludesTags(Role role)
 {
     switch (role) {
@@ -42,14 +33,23 @@ bool excludesTags(Role role)
     }
 }
 
-// Blocks are in source order and do not overlap: the first whose end lies beyond `location`.
-size_t firstBlockEndingAfter(const std::vector<MarkdownBlock>& blocks, int location)
+}
+
+size_t MarkdownASTStyler::firstBlockEndingAfter(const std::vector<MarkdownBlock>& blocks, int location)
 {
+    // Blocks are in source order and do not overlap.
     return size_t(std::upper_bound(blocks.begin(), blocks.end(), location,
                                    [](int at, const MarkdownBlock& b) { return at < b.range.upperBound(); })
                   - blocks.begin());
 }
 
+DirectiveRegistry MarkdownASTStyler::directiveRegistry(const MarkdownEditorConfiguration& config)
+{
+    try {
+        return DirectiveRegistry(config.directives, config.directiveSettings);
+    } catch (const DirectiveRegistryError&) {
+        return DirectiveRegistry();
+    }
 }
 
 MarkdownTextAttributes MarkdownASTStyler::BlockContext::base(const MarkdownParagraphMetrics& paragraph) const
@@ -203,67 +203,108 @@ void MarkdownASTStyler::tagPass(const BlockContext& context, std::optional<Markd
     }
 }
 
-bool MarkdownASTStyler::styleInStoreOrder(const BlockContext& context, MarkdownEditorFragmentStore::Builder& into)
+MarkdownEditorFragment& MarkdownASTStyler::Tile::at(const MarkdownEditorFragmentStore::OrderKey& key)
+{
+    const int inlinesAt = int(own.size()), tagsAt = inlinesAt + int(inlines.size());
+    return key.index < inlinesAt ? own[size_t(key.index)]
+        : key.index < tagsAt     ? inlines[size_t(key.index - inlinesAt)]
+                                 : tags[size_t(key.index - tagsAt)];
+}
+
+bool MarkdownASTStyler::Tile::follows(const MarkdownEditorFragment* last) const
+{
+    if (!last || keys.empty())
+        return true;
+    const MarkdownEditorFragmentStore::OrderKey& first = keys.front();
+    return last->range.location < first.location
+        || (last->range.location == first.location && last->priority < first.priority);
+}
+
+void MarkdownASTStyler::styleTile(const BlockContext& context, size_t b, Tile& tile)
 {
     // The store orders by location, then priority, then the order of the whole pass: every
     // block step, then every inline step, then the tags. Blocks are in source order and their
     // fragments stay inside them, so each block's fragments, with the tags of the text up to
-    // the next block, are ordered on their own and appended; the note is then in store order
-    // as long as no block's first fragment ties with or precedes its predecessor's last.
+    // the next block, are ordered on their own.
     const std::vector<MarkdownBlock>& blocks = context.request->document->blocks;
     const int textLength = int(context.text->size());
-    // The index is the fragment's place in the block's lists: its own, its inlines, its tags.
     using Key = MarkdownEditorFragmentStore::OrderKey;
-    std::vector<MarkdownEditorFragment> own, inlines, tags;
-    std::vector<Key> lists[3], merged, keys;
-    const size_t tiles = std::max<size_t>(blocks.size(), 1);
-    for (size_t b = 0; b < tiles; ++b) {
-        own.clear();
-        inlines.clear();
-        tags.clear();
-        if (!blocks.empty()) {
-            style(blocks[b], context, own);
-            inlinePass(blocks[b], context, inlines);
-        }
-        // The tags of the text from this block's start (the note's for the first) to the next's.
-        const int tileStart = b == 0 ? 0 : blocks[b].range.location;
-        const int tileEnd = b + 1 < blocks.size() ? blocks[b + 1].range.location : textLength;
-        tagPass(context, MarkdownSourceRange::fromBounds(tileStart, std::max(tileStart, tileEnd)), {&own, &inlines},
-                tags);
+    tile.own.clear();
+    tile.inlines.clear();
+    tile.tags.clear();
+    if (!blocks.empty()) {
+        style(blocks[b], context, tile.own);
+        inlinePass(blocks[b], context, tile.inlines);
+    }
+    // The tags of the text from this block's start (the note's for the first) to the next's.
+    const int tileStart = b == 0 ? 0 : blocks[b].range.location;
+    const int tileEnd = b + 1 < blocks.size() ? blocks[b + 1].range.location : textLength;
+    tagPass(context, MarkdownSourceRange::fromBounds(tileStart, std::max(tileStart, tileEnd)),
+            {&tile.own, &tile.inlines}, tile.tags);
 
-        // Each list is nearly in order on its own (the inline walk puts a node before its
-        // markers), while the block's own fragments, its inlines and its tags interleave:
-        // three small sorts and two merges, rather than one sort of everything.
-        int order = 0;
-        for (size_t l = 0; l < 3; ++l) {
-            std::vector<Key>& sorted = lists[l];
-            sorted.clear();
-            for (const MarkdownEditorFragment& f : l == 0 ? own : l == 1 ? inlines : tags)
-                sorted.push_back({f.range.location, f.priority, order++});
-            if (!std::is_sorted(sorted.begin(), sorted.end()))
-                std::sort(sorted.begin(), sorted.end());
-        }
-        merged.clear();
-        std::merge(lists[0].begin(), lists[0].end(), lists[1].begin(), lists[1].end(), std::back_inserter(merged));
-        keys.clear();
-        std::merge(merged.begin(), merged.end(), lists[2].begin(), lists[2].end(), std::back_inserter(keys));
-        if (keys.empty())
-            continue;
-        if (const MarkdownEditorFragment* last = into.back()) {
-            const Key& first = keys.front();
-            if (last->range.location > first.location
-                || (last->range.location == first.location && last->priority >= first.priority))
-                return false;
-        }
-        const int inlinesAt = int(own.size()), tagsAt = inlinesAt + int(inlines.size());
-        for (const Key& key : keys) {
-            MarkdownEditorFragment& f = key.index < inlinesAt ? own[size_t(key.index)]
-                : key.index < tagsAt                          ? inlines[size_t(key.index - inlinesAt)]
-                                                              : tags[size_t(key.index - tagsAt)];
-            into.append(std::move(f));
-        }
+    // Each list is nearly in order on its own (the inline walk puts a node before its
+    // markers), while the block's own fragments, its inlines and its tags interleave:
+    // three small sorts and two merges, rather than one sort of everything.
+    // The index is the fragment's place in the block's lists: its own, its inlines, its tags.
+    int order = 0;
+    for (size_t l = 0; l < 3; ++l) {
+        std::vector<Key>& sorted = tile.lists[l];
+        sorted.clear();
+        for (const MarkdownEditorFragment& f : l == 0 ? tile.own : l == 1 ? tile.inlines : tile.tags)
+            sorted.push_back({f.range.location, f.priority, order++});
+        if (!std::is_sorted(sorted.begin(), sorted.end()))
+            std::sort(sorted.begin(), sorted.end());
+    }
+    tile.merged.clear();
+    std::merge(tile.lists[0].begin(), tile.lists[0].end(), tile.lists[1].begin(), tile.lists[1].end(),
+               std::back_inserter(tile.merged));
+    tile.keys.clear();
+    std::merge(tile.merged.begin(), tile.merged.end(), tile.lists[2].begin(), tile.lists[2].end(),
+               std::back_inserter(tile.keys));
+}
+
+bool MarkdownASTStyler::styleInStoreOrder(const BlockContext& context, MarkdownEditorFragmentStore::Builder& into)
+{
+    // Tiles are appended one after another; the note is then in store order as long as no
+    // tile's first fragment ties with or precedes its predecessor's last.
+    const size_t tiles = std::max<size_t>(context.request->document->blocks.size(), 1);
+    Tile tile;
+    for (size_t b = 0; b < tiles; ++b) {
+        styleTile(context, b, tile);
+        if (!tile.follows(into.back()))
+            return false;
+        for (const MarkdownEditorFragmentStore::OrderKey& key : tile.keys)
+            into.append(std::move(tile.at(key)));
+        into.endTile();
     }
     return true;
+}
+
+std::vector<MarkdownSourceRange> MarkdownASTStyler::selectionRecord(const Request& request,
+                                                                     const std::vector<MarkdownSourceRange>& activeLines)
+{
+    std::vector<MarkdownSourceRange> ranges = activeLines;
+    ranges.insert(ranges.end(), request.selection.selectedRanges.begin(), request.selection.selectedRanges.end());
+    return ranges;
+}
+
+MarkdownStyledNote MarkdownASTStyler::styledNote(const Request& request, const MarkdownEditorFragmentStore& fragments)
+{
+    const MarkdownEditorConfiguration& config = *request.config;
+    const MarkdownFontDescriptor bodyFont = config.bodyFont();
+    MarkdownParagraphMetrics paragraph = baseParagraphStyle(config, bodyFont.pointSize);
+    if (config.paragraph.blankLineFactor >= 0 && config.paragraph.blankLineFactor < 1)
+        paragraph.paragraphSpacing *= float(std::max(config.paragraph.blankLineFactor - 0.7, 0.0) / 0.3);
+    MarkdownTextAttributes base;
+    base.setFont(bodyFont);
+    base.setForeground(config.theme.bodyText);
+    base.setParagraph(paragraph);
+    std::vector<MarkdownTable> tables;
+    request.document->forEachBlock([&tables](const MarkdownBlock& block) {
+        if (const auto* table = block.as<block_kind::Table>())
+            tables.push_back(table->table);
+    });
+    return MarkdownStyledNote(request.document->text, base, fragments, std::move(tables));
 }
 
 MarkdownASTStyler::Result MarkdownASTStyler::style(const Request& request)
@@ -284,11 +325,12 @@ MarkdownASTStyler::Result MarkdownASTStyler::style(const Request& request)
 
     result.activeLines = activeLineRanges(request.selection, text);
     const MarkdownExtensionRegistry registry(config.extensions);
-    const DirectiveRegistry directives = makeDirectives(config);
+    const DirectiveRegistry directives = directiveRegistry(config);
     BlockContext context = makeContext(request, result.activeLines, registry, directives);
     context.listGutters = listGutters(request, text, bodyFont);
 
     MarkdownEditorFragmentStore::Builder builder(request.document->blocks.size() * 4 + size_t(text.size()) / 6);
+    builder.setSelection(selectionRecord(request, result.activeLines));
     if (styleInStoreOrder(context, builder)) {
         result.fragments = std::move(builder).finish();
     } else {
@@ -304,19 +346,8 @@ MarkdownASTStyler::Result MarkdownASTStyler::style(const Request& request)
         result.fragments = MarkdownEditorFragmentStore(std::move(fragments));
     }
 
-    MarkdownParagraphMetrics paragraph = baseParagraphStyle(config, bodyFont.pointSize);
-    if (config.paragraph.blankLineFactor >= 0 && config.paragraph.blankLineFactor < 1)
-        paragraph.paragraphSpacing *= float(std::max(config.paragraph.blankLineFactor - 0.7, 0.0) / 0.3);
-    MarkdownTextAttributes base;
-    base.setFont(bodyFont);
-    base.setForeground(config.theme.bodyText);
-    base.setParagraph(paragraph);
-    std::vector<MarkdownTable> tables;
-    request.document->forEachBlock([&tables](const MarkdownBlock& block) {
-        if (const auto* table = block.as<block_kind::Table>())
-            tables.push_back(table->table);
-    });
-    result.attributedString = MarkdownStyledNote(text, base, result.fragments, std::move(tables));
+    result.attributedString = styledNote(request, result.fragments);
+    result.styledBlocks = request.document->blocks.size();
     return result;
 }
 
@@ -343,7 +374,7 @@ MarkdownASTStyler::selectionFragments(const Request& request, const std::vector<
     if (!touched.empty()) {
         const std::vector<MarkdownSourceRange> activeLines = activeLineRanges(request.selection, text);
         const MarkdownExtensionRegistry registry(config.extensions);
-        const DirectiveRegistry directives = makeDirectives(config);
+        const DirectiveRegistry directives = directiveRegistry(config);
         BlockContext context = makeContext(request, activeLines, registry, directives);
         // Gutters are shared within a run of list items only (any other block ends every
         // group), so the runs around the touched items give the same widths as the whole note.

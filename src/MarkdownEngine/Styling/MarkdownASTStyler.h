@@ -2,6 +2,7 @@
 
 #include "MarkdownEngine/Configuration/MarkdownEditorConfiguration.h"
 #include "MarkdownEngine/Core/MarkdownDocument.h"
+#include "MarkdownEngine/Core/MarkdownDocumentChange.h"
 #include "MarkdownEngine/Core/MarkdownSourceEditorState.h"
 #include "MarkdownEngine/Directives/DirectiveRegistry.h"
 #include "MarkdownEngine/Extensions/MarkdownExtensionRegistry.h"
@@ -43,6 +44,8 @@ public:
         MarkdownStyledNote attributedString;
         MarkdownEditorFragmentStore fragments;
         std::vector<MarkdownSourceRange> activeLines;
+        // How many blocks the pass styled: every one for a full pass.
+        size_t styledBlocks = 0;
     };
 
     struct SelectionFragments {
@@ -72,6 +75,23 @@ public:
     };
 
     [[nodiscard]] static Result style(const Request& request);
+    // What `style(request)` returns, made from `old`, the store of the pass before an edit
+    // that `change` describes. Styled again: the blocks the edit replaced and the one before
+    // them, with the list runs they border; the blocks the selection touches now or touched
+    // when `old` was made (the store remembers that selection); those `stale` touches, ranges
+    // of the old text whose fragments must not be kept for any other reason; and fences whose
+    // colouring may differ. The other blocks keep their fragments, moved by the edit. Falls
+    // back to `style` where that cannot be had cheaply (raw source, an edit or a selection
+    // over half the blocks, a store not made block by block, fragments out of order), so it
+    // may be called after any edit. Pass `old` by move: when nothing else shares it, its
+    // fragments are edited in place rather than copied.
+    //
+    // `old` must come from `style` or `restyle` of the document before the edit with the same
+    // configuration, parse options, embed width and attachment factory (its cache not
+    // emptied since); a fence's colouring is taken to be the same for the same key and text.
+    [[nodiscard]] static Result restyle(const Request& request, MarkdownEditorFragmentStore old,
+                                        const MarkdownDocumentChange& change,
+                                        const std::vector<MarkdownSourceRange>& stale);
     [[nodiscard]] static SelectionFragments selectionFragments(const Request& request,
                                                                const std::vector<MarkdownSourceRange>& affectedLines);
     [[nodiscard]] static std::vector<MarkdownSourceRange> activeLineRanges(const MarkdownSourceEditorState& state,
@@ -106,6 +126,24 @@ public:
                         const std::vector<MarkdownEditorFragment>& fragments, std::vector<MarkdownEditorFragment>& into);
 
 private:
+    // One block's fragments with the tags of the text up to the next block: its tile of the
+    // store. The lists are reused from tile to tile.
+    struct Tile {
+        std::vector<MarkdownEditorFragment> own, inlines, tags;
+        std::vector<MarkdownEditorFragmentStore::OrderKey> lists[3], merged;
+        std::vector<MarkdownEditorFragmentStore::OrderKey> keys; // the fragments in store order
+
+        MarkdownEditorFragment& at(const MarkdownEditorFragmentStore::OrderKey& key);
+        // Whether the tile may come after `last` (null: nothing before it) in the store.
+        [[nodiscard]] bool follows(const MarkdownEditorFragment* last) const;
+    };
+    static void styleTile(const BlockContext& context, size_t b, Tile& tile);
+    [[nodiscard]] static std::vector<MarkdownSourceRange> selectionRecord(const Request& request,
+                                                                          const std::vector<MarkdownSourceRange>& activeLines);
+    [[nodiscard]] static MarkdownStyledNote styledNote(const Request& request, const MarkdownEditorFragmentStore& fragments);
+    // The first block whose end lies beyond `location`.
+    [[nodiscard]] static size_t firstBlockEndingAfter(const std::vector<MarkdownBlock>& blocks, int location);
+    [[nodiscard]] static DirectiveRegistry directiveRegistry(const MarkdownEditorConfiguration& config);
     static void tagPass(const BlockContext& context, std::optional<MarkdownSourceRange> within,
                         std::initializer_list<const std::vector<MarkdownEditorFragment>*> fragments,
                         std::vector<MarkdownEditorFragment>& into);

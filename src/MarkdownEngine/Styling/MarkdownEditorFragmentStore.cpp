@@ -1,6 +1,8 @@
 #include "MarkdownEngine/Styling/MarkdownEditorFragmentStore.h"
 
 #include <algorithm>
+#include <climits>
+#include <iterator>
 #include <tuple>
 
 namespace velmo::markdown {
@@ -36,17 +38,187 @@ void MarkdownEditorFragmentStore::Data::list(int i)
 {
     const MarkdownEditorFragment& f = fragments[size_t(i)];
     longest = std::max(longest, f.range.length);
-    // In location order, so a hidden range can only join the last.
-    if (f.isHidden && f.range.length >= 1) {
-        if (!hiddenRanges.empty() && f.range.location <= hiddenRanges.back().upperBound())
-            hiddenRanges.back() = hiddenRanges.back().united(f.range);
-        else
-            hiddenRanges.push_back(f.range);
-    }
+    if (f.isHidden)
+        hide(f.range);
     if (isDecoration(f.role))
         decorations.push_back(i);
     if (isHitTarget(f.role))
         hitTargets.push_back(i);
+}
+
+void MarkdownEditorFragmentStore::Data::hide(MarkdownSourceRange r)
+{
+    // In location order, so a hidden range can only join the last.
+    if (r.length < 1)
+        return;
+    if (!hiddenRanges.empty() && r.location <= hiddenRanges.back().upperBound())
+        hiddenRanges.back() = hiddenRanges.back().united(r);
+    else
+        hiddenRanges.push_back(r);
+}
+
+void MarkdownEditorFragmentStore::Data::listMoved(const Data& old, size_t first, size_t last, size_t to, int shift)
+{
+    if (first == last)
+        return;
+    const int moved = int(to) - int(first);
+    for (auto [from, into] : {std::pair{&old.decorations, &decorations}, std::pair{&old.hitTargets, &hitTargets}}) {
+        const auto begin = std::lower_bound(from->begin(), from->end(), int(first));
+        const auto end = std::lower_bound(begin, from->end(), int(last));
+        for (auto i = begin; i != end; ++i)
+            into->push_back(*i + moved);
+    }
+    // A hidden range of the old store that starts after the run's first fragment and ends
+    // before the next run's is made of the run's fragments alone and moves whole. One that
+    // reaches further may hold other runs' fragments too: it is made again from the run's.
+    const std::vector<MarkdownEditorFragment>& all = old.fragments;
+    const int runStart = all[first].range.location;
+    const int runEnd = last < all.size() ? all[last].range.location : INT_MAX;
+    const auto& hidden = old.hiddenRanges;
+    const auto before = [](const MarkdownEditorFragment& f, int at) { return f.range.location < at; };
+    const auto end = all.begin() + std::ptrdiff_t(last);
+    for (auto e = std::partition_point(hidden.begin(), hidden.end(),
+                                       [runStart](MarkdownSourceRange r) { return r.upperBound() <= runStart; });
+         e != hidden.end() && e->location <= runEnd; ++e) {
+        if (e->location > runStart && e->upperBound() < runEnd) {
+            hide({e->location + shift, e->length});
+            continue;
+        }
+        for (auto f = std::lower_bound(all.begin() + std::ptrdiff_t(first), end, e->location, before);
+             f != end && f->range.location < e->upperBound(); ++f) {
+            if (f->isHidden)
+                hide({f->range.location + shift, f->range.length});
+        }
+    }
+}
+
+MarkdownEditorFragmentStore MarkdownEditorFragmentStore::splice(MarkdownEditorFragmentStore&& old,
+                                                                std::vector<Piece> pieces,
+                                                                std::vector<MarkdownSourceRange> selection)
+{
+    const Data& before = old.data();
+    const std::vector<int>& oldEnds = before.tileEnds;
+    const auto tileStart = [&](size_t t) { return t == 0 ? 0 : oldEnds[t - 1]; };
+    // Where each piece's fragments are in the old store and go in the new one.
+    struct Span {
+        size_t from = 0, to = 0, count = 0;
+    };
+    std::vector<Span> spans;
+    size_t total = 0;
+    for (const Piece& piece : pieces) {
+        Span span;
+        span.to = total;
+        if (piece.isNew) {
+            span.count = piece.fragments.size();
+        } else {
+            span.from = size_t(tileStart(piece.firstTile));
+            span.count = size_t(tileStart(piece.endTile)) - span.from;
+        }
+        total += span.count;
+        spans.push_back(span);
+    }
+
+    // The lists, made before any fragment moves: those of the old runs moved along, those of
+    // the new fragments made.
+    Data listed;
+    Data* const lists = &listed;
+    lists->longest = before.longest;
+    lists->decorations.reserve(before.decorations.size() + 16);
+    lists->hitTargets.reserve(before.hitTargets.size() + 16);
+    lists->hiddenRanges.reserve(before.hiddenRanges.size() + 16);
+    lists->tileEnds.reserve(oldEnds.size() + 16);
+    for (size_t k = 0; k < pieces.size(); ++k) {
+        const Span& s = spans[k];
+        if (!pieces[k].isNew) {
+            lists->listMoved(before, s.from, s.from + s.count, s.to, pieces[k].shift);
+            for (size_t t = pieces[k].firstTile; t < pieces[k].endTile; ++t)
+                lists->tileEnds.push_back(oldEnds[t] + int(s.to) - int(s.from));
+            continue;
+        }
+        for (size_t j = 0; j < s.count; ++j) {
+            const MarkdownEditorFragment& f = pieces[k].fragments[j];
+            lists->longest = std::max(lists->longest, f.range.length);
+            if (f.isHidden)
+                lists->hide(f.range);
+            if (isDecoration(f.role))
+                lists->decorations.push_back(int(s.to + j));
+            if (isHitTarget(f.role))
+                lists->hitTargets.push_back(int(s.to + j));
+        }
+        int end = int(s.to);
+        for (int size : pieces[k].tileSizes)
+            lists->tileEnds.push_back(end += size);
+    }
+
+    const bool unique = old.m_data && old.m_data.use_count() == 1;
+    std::shared_ptr<Data> data;
+    if (unique && total <= before.fragments.capacity()) {
+        // Only one owner: the fragments are edited where they are.
+        data = std::const_pointer_cast<Data>(std::move(old.m_data));
+        std::vector<MarkdownEditorFragment>& v = data->fragments;
+        const size_t oldSize = v.size();
+        if (total > oldSize)
+            v.resize(total);
+        // Runs moving to the front go first, front to back, then those moving to the back,
+        // back to front: no run is overwritten before it has moved. New fragments fill the
+        // gaps last.
+        for (size_t k = 0; k < pieces.size(); ++k) {
+            const Span& s = spans[k];
+            const int shift = pieces[k].shift;
+            if (pieces[k].isNew || s.to > s.from || (s.to == s.from && shift == 0))
+                continue;
+            for (size_t i = 0; i < s.count; ++i) {
+                MarkdownEditorFragment& f = v[s.to + i];
+                if (s.to != s.from)
+                    f = std::move(v[s.from + i]);
+                f.range.location += shift;
+            }
+        }
+        for (size_t k = pieces.size(); k-- > 0;) {
+            const Span& s = spans[k];
+            if (pieces[k].isNew || s.to <= s.from)
+                continue;
+            const int shift = pieces[k].shift;
+            for (size_t i = s.count; i-- > 0;) {
+                MarkdownEditorFragment& f = v[s.to + i];
+                f = std::move(v[s.from + i]);
+                f.range.location += shift;
+            }
+        }
+        for (size_t k = 0; k < pieces.size(); ++k) {
+            if (pieces[k].isNew)
+                std::move(pieces[k].fragments.begin(), pieces[k].fragments.end(), v.begin() + std::ptrdiff_t(spans[k].to));
+        }
+        if (total < oldSize)
+            v.erase(v.begin() + std::ptrdiff_t(total), v.end());
+    } else {
+        data = std::make_shared<Data>();
+        std::vector<MarkdownEditorFragment>& v = data->fragments;
+        // Room for the edits to come, which would otherwise move every fragment again.
+        v.reserve(total + total / 16);
+        std::vector<MarkdownEditorFragment>* source = unique ? &std::const_pointer_cast<Data>(old.m_data)->fragments
+                                                             : nullptr;
+        for (size_t k = 0; k < pieces.size(); ++k) {
+            if (pieces[k].isNew) {
+                std::move(pieces[k].fragments.begin(), pieces[k].fragments.end(), std::back_inserter(v));
+                continue;
+            }
+            for (size_t i = spans[k].from; i < spans[k].from + spans[k].count; ++i) {
+                v.push_back(source ? std::move((*source)[i]) : before.fragments[i]);
+                v.back().range.location += pieces[k].shift;
+            }
+        }
+    }
+    data->hiddenRanges = std::move(lists->hiddenRanges);
+    data->decorations = std::move(lists->decorations);
+    data->hitTargets = std::move(lists->hitTargets);
+    data->longest = lists->longest;
+    data->tileEnds = std::move(lists->tileEnds);
+    data->selection = std::move(selection);
+    MarkdownEditorFragmentStore store;
+    if (!data->fragments.empty())
+        store.m_data = std::move(data);
+    return store;
 }
 
 MarkdownEditorFragmentStore::Builder::Builder(size_t expected)
@@ -69,6 +241,16 @@ void MarkdownEditorFragmentStore::Builder::append(MarkdownEditorFragment&& fragm
         m_data->list(int(fragments.size()) - 1);
 }
 
+void MarkdownEditorFragmentStore::Builder::endTile()
+{
+    m_data->tileEnds.push_back(int(m_data->fragments.size()));
+}
+
+void MarkdownEditorFragmentStore::Builder::setSelection(std::vector<MarkdownSourceRange> ranges)
+{
+    m_data->selection = std::move(ranges);
+}
+
 const MarkdownEditorFragment* MarkdownEditorFragmentStore::Builder::back() const
 {
     return m_data->fragments.empty() ? nullptr : &m_data->fragments.back();
@@ -79,6 +261,7 @@ MarkdownEditorFragmentStore MarkdownEditorFragmentStore::Builder::finish() &&
     if (!m_inOrder)
         return MarkdownEditorFragmentStore(std::move(m_data->fragments));
     MarkdownEditorFragmentStore store;
+    // A store without fragments has no body, so it keeps no tiles: an empty note is styled whole.
     if (!m_data->fragments.empty())
         store.m_data = std::move(m_data);
     return store;

@@ -25,6 +25,11 @@ public:
     public:
         explicit Builder(size_t expected = 0);
         void append(MarkdownEditorFragment&& fragment);
+        // Closes the run of fragments of one block (its tile): a store made tile by tile can
+        // be spliced after an edit.
+        void endTile();
+        // The active lines and selections the fragments were made for.
+        void setSelection(std::vector<MarkdownSourceRange> ranges);
         [[nodiscard]] const MarkdownEditorFragment* back() const;
         [[nodiscard]] MarkdownEditorFragmentStore finish() &&;
 
@@ -34,6 +39,22 @@ public:
     };
 
     [[nodiscard]] static MarkdownEditorFragmentStore empty() { return {}; }
+
+    // A piece of a store spliced after an edit: the old store's tiles [firstTile, endTile)
+    // with every range moved by `shift`, or, when `isNew`, new fragments with each tile's count.
+    struct Piece {
+        bool isNew = false;
+        size_t firstTile = 0, endTile = 0;
+        int shift = 0;
+        std::vector<MarkdownEditorFragment> fragments;
+        std::vector<int> tileSizes;
+    };
+    // The store of the pieces in turn, which the caller has checked to be in store order.
+    // Takes the old store's fragments over when nothing else shares them, and moves in place
+    // only the pieces whose index changes; copies them otherwise.
+    [[nodiscard]] static MarkdownEditorFragmentStore splice(MarkdownEditorFragmentStore&& old,
+                                                            std::vector<Piece> pieces,
+                                                            std::vector<MarkdownSourceRange> selection);
 
     // The store's order for a fragment: location, then priority, then `index`, its place in
     // the order it was handed over, which keeps the sort stable.
@@ -55,6 +76,10 @@ public:
     [[nodiscard]] std::vector<const MarkdownEditorFragment*> decorations() const;
     [[nodiscard]] std::vector<const MarkdownEditorFragment*> hitTargets() const;
     [[nodiscard]] bool isEmpty() const { return fragments().empty(); }
+    // For a store made tile by tile, where each tile's fragments end; otherwise empty.
+    const std::vector<int>& tileEnds() const { return data().tileEnds; }
+    // The ranges of `Builder::setSelection`: fragments of the blocks they touch depend on them.
+    const std::vector<MarkdownSourceRange>& selection() const { return data().selection; }
 
     // Lays `baseAttributes` over the whole text, then every fragment by priority.
     void apply(MarkdownStyledText& text, const MarkdownTextAttributes& baseAttributes) const;
@@ -75,11 +100,19 @@ private:
         std::vector<MarkdownEditorFragment> fragments;
         std::vector<MarkdownSourceRange> hiddenRanges;
         std::vector<int> decorations, hitTargets;
-        // The longest fragment: bounds the backward reach of a range query.
+        // The longest fragment: bounds the backward reach of a range query. After a splice it
+        // may be longer than any fragment left, which costs a query time, never a result.
         int longest = 0;
+        std::vector<int> tileEnds;
+        std::vector<MarkdownSourceRange> selection;
 
         // Adds fragments[i], the last so far in order, to the lists.
         void list(int i);
+        // Adds a hidden range, the last so far in order.
+        void hide(MarkdownSourceRange r);
+        // Takes the lists of old fragments [first, last), which now start at `to`, their
+        // ranges moved by `shift`: the lists are moved along rather than made again.
+        void listMoved(const Data& old, size_t first, size_t last, size_t to, int shift);
     };
     [[nodiscard]] const Data& data() const;
     // Indices of the fragments that overlap `in`, in order.
