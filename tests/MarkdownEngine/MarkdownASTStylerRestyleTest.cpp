@@ -145,7 +145,7 @@ TEST(MarkdownASTStylerRestyle, EqualsAFullPassAfterAnyEdit)
                 };
                 for (const auto& [oldSelection, newSelection] : selections) {
                     // Fences coloured before and after, or only on one side of the edit.
-                    for (const auto [colouredBefore, colouredAfter] :
+                    for (const auto& [colouredBefore, colouredAfter] :
                          {std::pair{false, false}, std::pair{true, true}, std::pair{true, false}, std::pair{false, true}}) {
                         Pass old, now;
                         prepare(old, before, oldSelection, config, attachments, colouredBefore);

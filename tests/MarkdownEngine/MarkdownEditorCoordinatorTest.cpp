@@ -380,18 +380,9 @@ TEST(MarkdownEditorBus, RequestsAndCommandsRoundTrip)
     EXPECT_FALSE(off.command(*bus.applyBoldRequest));
 }
 
-TEST(MarkdownEditorCoordinator, ALargeNoteWrittenInPiecesMatchesTheWholeStyledText)
+// Every character of the storage has the attributes a full pass over the note gives it.
+void expectStorageMatchesAFullPass(Editor& e, const char* what)
 {
-    // Long tables, so that the pieces' edges fall inside some: their columns need every row.
-    QString text;
-    for (int section = 0; section < 36; ++section) {
-        text += QStringLiteral("## Section %1\n\n- item with **bold**\n- [ ] task\n\n| a | bb |\n|---|:-:|\n").arg(section);
-        for (int row = 0; row < 400; ++row)
-            text += QStringLiteral("| %1 | x%2 |\n").arg(row).arg(QString(row % 7, u'w'));
-        text += QStringLiteral("\nSome *prose* after the table.\n\n");
-    }
-    ASSERT_GT(text.size(), 3 * 64 * 1024);
-    Editor e(text, 0);
     MarkdownASTStyler::Request request;
     request.document = &e.coordinator.document;
     request.selection = e.coordinator.editorState;
@@ -401,14 +392,61 @@ TEST(MarkdownEditorCoordinator, ALargeNoteWrittenInPiecesMatchesTheWholeStyledTe
     size_t next = 0;
     for (QTextBlock block = e.view.textStorage().document()->begin(); block.isValid(); block = block.next()) {
         const MarkdownBlockStyle* style = e.view.textStorage().blockStyle(block);
-        ASSERT_TRUE(style) << block.position() << " of " << text.size();
+        ASSERT_TRUE(style) << what;
         for (const auto& run : style->runs) {
             for (int i = block.position() + run.range.location; i < block.position() + run.range.upperBound(); ++i) {
                 while (next < expected.size() && !expected[next].range.contains(i))
                     ++next;
-                ASSERT_LT(next, expected.size()) << i;
-                ASSERT_TRUE(expected[next].attributes == run.attributes) << i;
+                ASSERT_LT(next, expected.size()) << what << " at " << i;
+                ASSERT_TRUE(expected[next].attributes == run.attributes) << what << " at " << i;
             }
         }
+    }
+}
+
+QString longNote(int sections)
+{
+    // Long tables, so that pieces of a large write end inside some: their columns need every row.
+    QString text;
+    for (int section = 0; section < sections; ++section) {
+        text += QStringLiteral("## Section %1\n\n- item with **bold**\n- [ ] task\n\n| a | bb |\n|---|:-:|\n").arg(section);
+        for (int row = 0; row < 400; ++row)
+            text += QStringLiteral("| %1 | x%2 |\n").arg(row).arg(QString(row % 7, u'w'));
+        text += QStringLiteral("\nSome *prose* after the table.\n\n```js\nlet x = 1\n```\n\n");
+    }
+    return text;
+}
+
+TEST(MarkdownEditorCoordinator, ALargeNoteWrittenInPiecesMatchesAFullPass)
+{
+    const QString text = longNote(36);
+    ASSERT_GT(text.size(), 3 * 64 * 1024);
+    Editor e(text, 0);
+    expectStorageMatchesAFullPass(e, "open");
+}
+
+TEST(MarkdownEditorCoordinator, EditsRestyleOnlyTheirBlocksAndMatchAFullPass)
+{
+    Editor e(longNote(4), 0);
+    const size_t blocks = e.coordinator.document.blocks.size();
+    // Caret moves between the edits leave the selection overlay over the store.
+    struct Edit { const char* what; QString find; int offset; QString insert; };
+    const Edit edits[] = {
+        {"a letter in prose", QStringLiteral("Some *prose*"), 5, QStringLiteral("x")},
+        {"a table cell", QStringLiteral("| 17 |"), 3, QStringLiteral("123")},
+        {"a list item split", QStringLiteral("- item"), 6, QStringLiteral("\n- next ")},
+        {"a heading made", QStringLiteral("Some *prose*"), 0, QStringLiteral("# ")},
+        {"a fence opened", QStringLiteral("Some *prose*"), 0, QStringLiteral("```\n")},
+    };
+    for (const Edit& edit : edits) {
+        const int at = int(e.coordinator.text().indexOf(edit.find, e.coordinator.text().size() / 3)) + edit.offset;
+        e.view.setSelection({std::max(0, at - 40), 0});
+        e.coordinator.restyleNow();
+        e.view.setSelection({at, 0});
+        e.coordinator.restyleNow();
+        e.view.insert(edit.insert);
+        e.coordinator.restyleNow();
+        expectStorageMatchesAFullPass(e, edit.what);
+        EXPECT_LT(e.coordinator.restyledBlockCount, blocks / 2) << edit.what;
     }
 }

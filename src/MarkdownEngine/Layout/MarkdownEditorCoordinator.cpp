@@ -210,7 +210,18 @@ void MarkdownEditorCoordinator::restyleNow()
     }
     editorState = makeEditorState();
     lastHighlightedCode = highlightedCode();
-    MarkdownASTStyler::Result result = MarkdownASTStyler::style(request());
+    MarkdownASTStyler::Result result;
+    if (m_storeReusable && documentChange && maximumEmbedWidth == m_storeEmbedWidth) {
+        // Shared, the store would be copied rather than edited in place: the view lets go.
+        textView.installFragments(MarkdownEditorFragmentStore::empty());
+        result = MarkdownASTStyler::restyle(request(), std::move(fragments), *documentChange, overlayRanges);
+    } else {
+        result = MarkdownASTStyler::style(request());
+    }
+    documentChange.reset();
+    m_storeReusable = true;
+    m_storeEmbedWidth = maximumEmbedWidth;
+    restyledBlockCount = result.styledBlocks;
     ++fullStylePassCount;
     apply(result, result.activeLines, !isRestyled);
     installStore(std::move(result.fragments));
@@ -518,6 +529,7 @@ void MarkdownEditorCoordinator::setText(const QString& newText, int caretAt)
 {
     ++textRevision;
     isRestyled = false;
+    m_storeReusable = false;
     textView.setApplyingStyle(true);
     textView.textStorage().resetText(newText);
     textView.setSelectedRange({std::clamp(caretAt, 0, int(newText.size())), 0});
@@ -541,10 +553,12 @@ void MarkdownEditorCoordinator::update(const MarkdownEditorConfiguration& newCon
     if (!sameStyle || !sameServices) {
         attachmentFactory = std::make_unique<MarkdownEditorAttachmentFactory>(config.services);
         attachmentFactory->inlineLatexVerticalPadding = config.inlineLatex.verticalPadding;
+        m_storeReusable = false;
     }
     if (!sameStyle) {
         codeCache.clear();
         isRestyled = false;
+        m_storeReusable = false;
         restyleNow();
     }
 }
@@ -553,6 +567,7 @@ void MarkdownEditorCoordinator::attachmentDidBecomeReady()
 {
     attachmentFactory->invalidate();
     isRestyled = false;
+    m_storeReusable = false;
     restyleNow();
 }
 

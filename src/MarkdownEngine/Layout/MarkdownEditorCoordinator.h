@@ -92,7 +92,8 @@ public:
     // own are looked up where a move lands.
     std::vector<MarkdownSourceRange> selectionSensitiveRanges;
     std::optional<MarkdownSourceRange> lastFormulaUnderCaret;
-    int fullStylePassCount = 0;
+    int fullStylePassCount = 0; // passes over the text, restyles after an edit included
+    size_t restyledBlockCount = 0; // blocks the last of them styled
     int selectionStylePassCount = 0;
     int statisticsMeasurementCount = 0;
     double maximumEmbedWidth = 620.0;
@@ -190,6 +191,10 @@ private:
 
     bool m_traceStyle = false;
     MarkdownDocument m_retiredDocument;
+    // Whether `fragments` was made with today's configuration, services and embed width, so
+    // that the pass after an edit may build on it.
+    bool m_storeReusable = false;
+    double m_storeEmbedWidth = 0;
     MarkdownEditorFragmentStore m_retiredStore;
     bool m_releasePosted = false;
     // The text `cachedDocumentStatistics` counts: the next count reads only the lines changed since.
