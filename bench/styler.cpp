@@ -183,7 +183,7 @@ void typeLetter(benchmark::State& state, bool shared, bool coloured, const char1
         before.highlightedCode = &codeBefore;
         after.highlightedCode = &codeAfter;
     }
-    const MarkdownDocumentChange change = velmo::test::changeBetween(s.document, typed.document, at, at);
+    const MarkdownDocumentChange change = velmo::test::changeBetween(s.document, typed.document);
     MarkdownASTStyler::Result result, first;
     size_t styled = 0;
     for (auto _ : state) {

@@ -91,20 +91,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         fuzzCheck(inside(range, textSize), "caret-move range outside the text");
 
     // The edit: text typed at the selection's start over a few characters, the caret after it.
-    // Link and footnote definitions change inlines anywhere, which the change worked out
-    // from two parses cannot see.
     static const char16_t* const typed[] = {u"x", u"\n", u"\n\n", u"```\n", u"=", u"- ", u"1. ", u""};
     const QString inserted = QString::fromUtf16(typed[(data[0] >> 2) & 7]);
     const int removed = std::min((data[0] >> 5) & 7, textSize - location);
     const QString after = text.left(location) + inserted + text.mid(location + removed);
-    if (text.contains(QLatin1String("]:")) || after.contains(QLatin1String("]:")))
-        return 0;
     const MarkdownDocument edited = MarkdownDocument::parse(after, options);
     MarkdownASTStyler::Request next = request;
     next.document = &edited;
     next.selection = MarkdownSourceEditorState::caret(location + int(inserted.size()));
     next.selection.selectedLineRanges = MarkdownASTStyler::activeLineRanges(next.selection, after);
-    const MarkdownDocumentChange change = velmo::test::changeBetween(document, edited, location, location + removed);
+    const MarkdownDocumentChange change = velmo::test::changeBetween(document, edited);
     // Sole owner of the old store, or sharing it with its styled text.
     if (size % 2 == 0)
         result.attributedString = {};
