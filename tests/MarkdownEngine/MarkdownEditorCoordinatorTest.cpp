@@ -444,6 +444,7 @@ TEST(MarkdownEditorCoordinator, EditsRestyleOnlyTheirBlocksAndMatchAFullPass)
         e.coordinator.restyleNow();
         e.view.setSelection({at, 0});
         e.coordinator.restyleNow();
+        expectStorageMatchesAFullPass(e, "caret moved");
         e.view.insert(edit.insert);
         e.coordinator.restyleNow();
         expectStorageMatchesAFullPass(e, edit.what);

@@ -22,6 +22,12 @@ struct MarkdownDocumentChange {
     int start = 0;
     int oldStop = 0;
 
+    // Nothing changed in a document of `blocks` blocks and `length` units.
+    [[nodiscard]] static MarkdownDocumentChange none(size_t blocks, int length)
+    {
+        return {blocks, blocks, blocks, 0, length, length};
+    }
+
     [[nodiscard]] int newStop() const { return oldStop + delta; }
     // Old block index to new, for the blocks outside the replaced run.
     [[nodiscard]] size_t newIndex(size_t old) const { return old < firstBlock ? old : old - oldEnd + newEnd; }

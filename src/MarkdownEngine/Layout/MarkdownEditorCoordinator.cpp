@@ -210,18 +210,8 @@ void MarkdownEditorCoordinator::restyleNow()
     }
     editorState = makeEditorState();
     lastHighlightedCode = highlightedCode();
-    MarkdownASTStyler::Result result;
-    if (m_storeReusable && documentChange && maximumEmbedWidth == m_storeEmbedWidth) {
-        // Shared, the store would be copied rather than edited in place: the view lets go.
-        textView.installFragments(MarkdownEditorFragmentStore::empty());
-        result = MarkdownASTStyler::restyle(request(), std::move(fragments), *documentChange, overlayRanges);
-    } else {
-        result = MarkdownASTStyler::style(request());
-    }
+    MarkdownASTStyler::Result result = styleFromStore(documentChange);
     documentChange.reset();
-    m_storeReusable = true;
-    m_storeEmbedWidth = maximumEmbedWidth;
-    restyledBlockCount = result.styledBlocks;
     ++fullStylePassCount;
     apply(result, result.activeLines, !isRestyled);
     installStore(std::move(result.fragments));
@@ -234,6 +224,22 @@ void MarkdownEditorCoordinator::restyleNow()
     applyFindHighlights();
     textView.refreshTypingAttributesAtCaret();
     traceStorage("\n[trace] storage ");
+}
+
+MarkdownASTStyler::Result MarkdownEditorCoordinator::styleFromStore(const std::optional<MarkdownDocumentChange>& change)
+{
+    MarkdownASTStyler::Result result;
+    if (m_storeReusable && change && maximumEmbedWidth == m_storeEmbedWidth) {
+        // Shared, the store would be copied rather than edited in place: the view lets go.
+        textView.installFragments(MarkdownEditorFragmentStore::empty());
+        result = MarkdownASTStyler::restyle(request(), std::move(fragments), *change, overlayRanges);
+    } else {
+        result = MarkdownASTStyler::style(request());
+    }
+    m_storeReusable = true;
+    m_storeEmbedWidth = maximumEmbedWidth;
+    restyledBlockCount = result.styledBlocks;
+    return result;
 }
 
 void MarkdownEditorCoordinator::installStore(MarkdownEditorFragmentStore store)
@@ -460,8 +466,10 @@ void MarkdownEditorCoordinator::restyleSelectionNow()
                                                          [&](MarkdownSourceRange r) { return b.range.intersects(r); });
     });
     if (touchesTable || selectionOverlay.fragments().size() > maximumOverlayFragments) {
-        // Column kerning needs the whole table's rows: style the note and copy the tables' lines.
-        MarkdownASTStyler::Result result = MarkdownASTStyler::style(req);
+        // Column kerning needs the whole table's rows: the store made again where the selection
+        // reaches, and the tables' lines copied.
+        MarkdownASTStyler::Result result =
+            styleFromStore(MarkdownDocumentChange::none(document.blocks.size(), int(t.size())));
         for (const MarkdownSourceRange& r : selected.ranges)
             copyStyled(result.attributedString, alignedToTables(wholeLines(t, r)));
         installStore(std::move(result.fragments));

@@ -173,6 +173,9 @@ private:
     QHash<QString, MarkdownStyledText> highlightedCode();
     void apply(const MarkdownASTStyler::Result& result, const std::vector<MarkdownSourceRange>& activeLines,
                bool forceAllAttributes);
+    // The pass over the text: from the store when `change` says how the document came from the
+    // one it was made for, and nothing else changed since; a full one otherwise.
+    MarkdownASTStyler::Result styleFromStore(const std::optional<MarkdownDocumentChange>& change);
     void installStore(MarkdownEditorFragmentStore store);
     // Writes the styled text over the lines `range` touches.
     void copyStyled(const MarkdownStyledNote& styled, MarkdownSourceRange range);

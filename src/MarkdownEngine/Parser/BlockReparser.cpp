@@ -109,7 +109,7 @@ MarkdownDocument BlockReparser::reparse(MarkdownDocument&& old, const QString& t
     };
     const chars::Difference edit = chars::difference(old.text, text);
     if (edit.start == edit.beforeEnd && edit.start == edit.afterEnd) {
-        change = {old.blocks.size(), old.blocks.size(), old.blocks.size(), 0, oldLength, oldLength};
+        change = MarkdownDocumentChange::none(old.blocks.size(), oldLength);
         old.text = text;
         return std::move(old);
     }
