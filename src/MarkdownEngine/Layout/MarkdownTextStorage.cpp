@@ -199,8 +199,10 @@ bool MarkdownTextStorage::FormatKey::operator==(const FormatKey& o) const
 
 size_t MarkdownTextStorage::FormatKey::hash(size_t seed) const
 {
-    return qHashMulti(seed, keys, font.family, font.pointSize, font.weight, font.italic, foreground, background,
-                      underlineColor, baselineOffset, kern, link, hidden);
+    // The strings are left to the comparison: a note has few families, and links rarely share
+    // everything else.
+    return qHashMulti(seed, keys, font.family.size(), font.pointSize, font.weight, font.italic, foreground, background,
+                      underlineColor, baselineOffset, kern, link.size(), hidden);
 }
 
 const QTextCharFormat& MarkdownTextStorage::formatFor(const MarkdownTextAttributes& attributes)
