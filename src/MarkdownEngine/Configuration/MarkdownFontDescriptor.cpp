@@ -15,20 +15,46 @@ QFont MarkdownFontDescriptor::toQFont() const
     return font;
 }
 
+namespace {
+
+// What a width depends on: the face and the text. Keys are compared, not formatted into
+// strings, since the styler asks for a width per list marker and table cell.
+struct FaceKey {
+    QString family;
+    float pointSize;
+    short weight;
+    bool italic;
+    bool operator==(const FaceKey&) const = default;
+};
+size_t qHash(const FaceKey& k, size_t seed = 0)
+{
+    return qHashMulti(seed, k.family, k.pointSize, k.weight, k.italic);
+}
+
+struct WidthKey {
+    FaceKey face;
+    QString text;
+    bool operator==(const WidthKey&) const = default;
+};
+size_t qHash(const WidthKey& k, size_t seed = 0)
+{
+    return qHashMulti(seed, k.face, k.text);
+}
+
+}
+
 double MarkdownFontDescriptor::width(const QString& text) const
 {
     // Metrics are costly to make and the styler measures the same few fonts over and over.
     // Made once and kept for the process, as the font database is: tearing metrics down after
     // the application object would touch a dead database.
     static QMutex mutex;
-    static auto* const metrics = new QHash<QString, QFontMetricsF*>();
+    static auto* const metrics = new QHash<FaceKey, QFontMetricsF*>();
     // Shaping a string costs microseconds, and list markers ("- ", "12. ", "- [ ] ") come back
     // by the thousand in a long note: short strings keep their widths, up to a bound.
-    static auto* const widths = new QHash<QString, double>();
+    static auto* const widths = new QHash<WidthKey, double>();
     constexpr qsizetype longestRemembered = 12;
     constexpr qsizetype widthsKept = 4096;
-    const QString key = family + u'|' + QString::number(pointSize) + u'|' + QString::number(weight)
-        + (italic ? u'i' : u'r');
     QString measured = text;
     if (tabularDigits) {
         for (QChar& c : measured) {
@@ -37,20 +63,20 @@ double MarkdownFontDescriptor::width(const QString& text) const
         }
     }
     const bool remembered = measured.size() <= longestRemembered;
-    const QString widthKey = remembered ? key + u'\x1f' + measured : QString();
+    WidthKey key{{family, pointSize, weight, italic}, remembered ? measured : QString()};
     QMutexLocker lock(&mutex);
     if (remembered) {
-        if (const auto it = widths->constFind(widthKey); it != widths->constEnd())
+        if (const auto it = widths->constFind(key); it != widths->constEnd())
             return *it;
     }
-    QFontMetricsF*& m = (*metrics)[key];
+    QFontMetricsF*& m = (*metrics)[key.face];
     if (!m)
         m = new QFontMetricsF(toQFont());
     const double width = m->horizontalAdvance(measured);
     if (remembered) {
         if (widths->size() >= widthsKept)
             widths->clear();
-        widths->insert(widthKey, width);
+        widths->insert(std::move(key), width);
     }
     return width;
 }
