@@ -341,14 +341,11 @@ void MarkdownEditorFragmentStore::apply(MarkdownStyledText& text, const Markdown
                 keys.push_back({fragments[k].priority, -fragments[k].range.length, fragments[k].range.location, int(k)});
         }
         std::sort(keys.begin(), keys.end());
-        // Velmo.role and Velmo.hidden go on after each fragment's own attributes, then its
-        // replacement attributes, if any.
+        // Velmo.role and Velmo.hidden go on after each fragment's own attributes.
         for (const Key& key : keys) {
             const MarkdownEditorFragment& f = fragments[size_t(key.index)];
-            const MarkdownSourceRange range{f.range.location - offset, f.range.length};
-            additions.push_back({range, &f.attributes, nullptr, true, f.isHidden, f.role});
-            if (f.replacementAttributes)
-                additions.push_back({range, f.replacementAttributes.get()});
+            additions.push_back({{f.range.location - offset, f.range.length}, &f.attributes, nullptr, true, f.isHidden,
+                                 f.role});
         }
         i = j;
     }

@@ -49,9 +49,9 @@ void markerPass(const MarkdownInline& node, Role role, const QColor& color, cons
         if (env.showsMarkers(marker)) {
             MarkdownTextAttributes a;
             a.setForeground(color);
-            into.push_back(MarkdownEditorFragment::make(marker, role, std::move(a), 30));
+            MarkdownEditorFragment::add(into, marker, role, std::move(a), 30);
         } else {
-            into.push_back(MarkdownEditorFragment::make(marker, role, {}, 30, true));
+            MarkdownEditorFragment::add(into, marker, role, {}, 30, true);
         }
     }
 }
@@ -80,7 +80,7 @@ void visitLink(const MarkdownInline& node, const ik::Link& link, const MarkdownT
         a.setUnderline(withAlpha(config.theme.link, config.link.underlineAlpha));
     }
     if (node.contentRange.length > 0)
-        into.push_back(MarkdownEditorFragment::make(node.contentRange, Role::link, a, 0));
+        MarkdownEditorFragment::add(into, node.contentRange, Role::link, a, 0);
     for (const MarkdownInline& child : node.children)
         MarkdownInlineStyler::visit(child, a, font, env, into);
     const int contentEnd = node.contentRange.upperBound();
@@ -92,15 +92,15 @@ void visitLink(const MarkdownInline& node, const ik::Link& link, const MarkdownT
             MarkdownTextAttributes d;
             d.setForeground(config.theme.disabledText);
             d.setFont(MarkdownFont::monospaced(font.pointSize * 0.9));
-            into.push_back(MarkdownEditorFragment::make(marker, Role::linkDestination, std::move(d), 0));
+            MarkdownEditorFragment::add(into, marker, Role::linkDestination, std::move(d), 0);
         } else if (shows) {
             MarkdownTextAttributes m;
             m.setForeground(config.theme.marker);
-            into.push_back(MarkdownEditorFragment::make(marker, Role::linkMarker, std::move(m), 0));
+            MarkdownEditorFragment::add(into, marker, Role::linkMarker, std::move(m), 0);
         } else if (marker.upperBound() <= node.contentRange.location || marker.location >= contentEnd) {
             MarkdownTextAttributes m;
             m.setForeground(clearColor);
-            into.push_back(MarkdownEditorFragment::make(marker, Role::linkMarker, std::move(m), 31, true));
+            MarkdownEditorFragment::add(into, marker, Role::linkMarker, std::move(m), 31, true);
         }
     }
 }
@@ -115,19 +115,19 @@ void visitImage(const MarkdownInline& node, const ik::Image& image, const Markdo
     a.setForeground(config.theme.disabledText);
     if (!image.isEmbed) {
         a.setFont(MarkdownFont::monospaced(font.pointSize * 0.9));
-        into.push_back(MarkdownEditorFragment::make(node.range, Role::imageEmbed, std::move(a), 0));
+        MarkdownEditorFragment::add(into, node.range, Role::imageEmbed, std::move(a), 0);
         return;
     }
     auto attachment = env.attachments
         ? env.attachments->embeddedImage(source, std::nullopt, std::nullopt, env.maximumEmbedWidth)
         : nullptr;
     if (!attachment) {
-        into.push_back(MarkdownEditorFragment::make(node.range, Role::imageEmbed, std::move(a), 0));
+        MarkdownEditorFragment::add(into, node.range, Role::imageEmbed, std::move(a), 0);
         return;
     }
     MarkdownTextAttributes e = handed;
     e.setAttachment(std::move(attachment));
-    into.push_back(MarkdownEditorFragment::make(node.range, Role::imageEmbed, std::move(e), 20));
+    MarkdownEditorFragment::add(into, node.range, Role::imageEmbed, std::move(e), 20);
 }
 
 void visitLatex(const MarkdownInline& node, const ik::Latex& latex, const MarkdownTextAttributes& handed,
@@ -144,14 +144,14 @@ void visitLatex(const MarkdownInline& node, const ik::Latex& latex, const Markdo
         MarkdownTextAttributes a = handed;
         a.setFont(MarkdownFont::monospaced(font.pointSize));
         a.setForeground(ink);
-        into.push_back(MarkdownEditorFragment::make(node.range, Role::latex, std::move(a), attachment ? 20 : 0));
+        MarkdownEditorFragment::add(into, node.range, Role::latex, std::move(a), attachment ? 20 : 0);
         return;
     }
     MarkdownTextAttributes a = handed;
     a.setRole(Role::latex);
     a.setFont(MarkdownFont::withSize(font, std::max<double>(font.pointSize, attachment->size.height() * 0.6)));
     a.setAttachment(std::move(attachment));
-    into.push_back(MarkdownEditorFragment::make(node.range, Role::latex, std::move(a), 20));
+    MarkdownEditorFragment::add(into, node.range, Role::latex, std::move(a), 20);
 }
 
 }
@@ -257,19 +257,19 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
         const MarkdownFontDescriptor& font = *frame.font;
 
         if (node.is<ik::Text>()) {
-            into.push_back(MarkdownEditorFragment::make(node.range, Role::body, handed, 0));
+            MarkdownEditorFragment::add(into, node.range, Role::body, handed, 0);
         } else if (node.is<ik::Escape>()) {
-            into.push_back(MarkdownEditorFragment::make(node.contentRange, Role::body, handed, 0));
+            MarkdownEditorFragment::add(into, node.contentRange, Role::body, handed, 0);
             for (const MarkdownSourceRange& marker : node.markerRanges) {
                 if (marker.length > 0)
-                    into.push_back(MarkdownEditorFragment::make(marker, Role::escapeMarker, {}, 30, true));
+                    MarkdownEditorFragment::add(into, marker, Role::escapeMarker, {}, 30, true);
             }
         } else if (node.is<ik::Code>()) {
             MarkdownTextAttributes a = handed;
             a.setFont(codeFont(config.inlineCode.fontName, font.pointSize * config.inlineCode.fontSizeScale));
             a.setForeground(theme.bodyText);
             a.setBackground(theme.codeBackground);
-            into.push_back(MarkdownEditorFragment::make(node.range, Role::inlineCode, std::move(a), 10));
+            MarkdownEditorFragment::add(into, node.range, Role::inlineCode, std::move(a), 10);
             markerPass(node, Role::codeMarker, withAlpha(theme.marker, config.markers.inlineCodeMarkerAlpha), env, into);
         } else if (const auto* emphasis = node.as<ik::Emphasis>()) {
             // The kind's raw value plus one is the trait mask: italic 1, bold 2, both 3.
@@ -281,7 +281,7 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
                 emphasized = MarkdownFont::applying(MarkdownFont::Trait::bold, emphasized);
             MarkdownTextAttributes* a = &levels.emplace_front(handed);
             a->setFont(emphasized);
-            into.push_back(MarkdownEditorFragment::make(node.contentRange, Role::body, *a, 0));
+            MarkdownEditorFragment::add(into, node.contentRange, Role::body, *a, 0);
             markerPass(node, Role::emphasisMarker, theme.marker, env, into);
             pushChildren(node, a, frame.font);
         } else if (node.is<ik::Strikethrough>() || node.is<ik::Highlight>()) {
@@ -296,14 +296,14 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
                 a->setStrikethroughColor(theme.strikethroughColor);
             else if (!extension)
                 a->setBackground(theme.highlightColor);
-            into.push_back(MarkdownEditorFragment::make(node.contentRange, Role::body, *a, 0));
+            MarkdownEditorFragment::add(into, node.contentRange, Role::body, *a, 0);
             markerPass(node, Role::emphasisMarker, theme.marker, env, into);
             pushChildren(node, a, frame.font);
         } else if (const auto* span = node.as<ik::ExtensionSpan>()) {
             MarkdownTextAttributes* a = &levels.emplace_front(handed);
             if (auto extension = env.registry ? env.registry->extension(span->name) : nullptr)
                 a->merge(attributes(extension->contentAttributes(font.toQFont()), font));
-            into.push_back(MarkdownEditorFragment::make(node.contentRange, Role::directiveBody, *a, 0));
+            MarkdownEditorFragment::add(into, node.contentRange, Role::directiveBody, *a, 0);
             markerPass(node, Role::directiveMarker, theme.marker, env, into);
             pushChildren(node, a, frame.font);
         } else if (const auto* link = node.as<ik::Link>()) {
@@ -314,7 +314,7 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
             a.setUnderline(withAlpha(theme.link, config.link.underlineAlpha));
             a.setRole(Role::wikiLink);
             a.setWikiLinkID(wiki->target);
-            into.push_back(MarkdownEditorFragment::make(node.contentRange, Role::wikiLink, std::move(a), 0));
+            MarkdownEditorFragment::add(into, node.contentRange, Role::wikiLink, std::move(a), 0);
             markerPass(node, Role::linkMarker, theme.marker, env, into);
         } else if (const auto* image = node.as<ik::Image>()) {
             visitImage(node, *image, handed, font, env, into);
@@ -328,14 +328,14 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
             a.setForeground(theme.link);
             a.setRole(Role::footnote);
             a.setWikiLinkID(footnote->label);
-            into.push_back(MarkdownEditorFragment::make(node.range, Role::footnote, std::move(a), 10));
+            MarkdownEditorFragment::add(into, node.range, Role::footnote, std::move(a), 10);
         } else if (node.is<ik::Html>()) {
             MarkdownTextAttributes a = handed;
             a.setForeground(theme.disabledText);
             a.setFont(MarkdownFont::monospaced(font.pointSize * 0.92));
-            into.push_back(MarkdownEditorFragment::make(node.range, Role::html, std::move(a), 0));
+            MarkdownEditorFragment::add(into, node.range, Role::html, std::move(a), 0);
         } else { // soft and hard breaks
-            into.push_back(MarkdownEditorFragment::make(node.range, Role::body, {}, 0));
+            MarkdownEditorFragment::add(into, node.range, Role::body, {}, 0);
         }
         if (stack.empty())
             break;
@@ -365,9 +365,9 @@ void MarkdownInlineStyler::applyTextColors(const std::vector<MarkdownInline>& in
         if (env.showsMarkers(tag)) {
             MarkdownTextAttributes a;
             a.setForeground(env.config->theme.marker);
-            into.push_back(MarkdownEditorFragment::make(tag, Role::html, std::move(a), 30));
+            MarkdownEditorFragment::add(into, tag, Role::html, std::move(a), 30);
         } else {
-            into.push_back(MarkdownEditorFragment::make(tag, Role::html, {}, 30, true));
+            MarkdownEditorFragment::add(into, tag, Role::html, {}, 30, true);
         }
     };
     // Sibling lists to look through, deepest included; a worklist keeps nesting off the stack.
@@ -398,7 +398,7 @@ void MarkdownInlineStyler::applyTextColors(const std::vector<MarkdownInline>& in
             MarkdownTextAttributes a;
             a.setForeground(*color);
             // Above the text nodes (0) and the block fonts (heading 5): it sets only the ink.
-            into.push_back(MarkdownEditorFragment::make(inner, Role::body, std::move(a), 7));
+            MarkdownEditorFragment::add(into, inner, Role::body, std::move(a), 7);
             hideTag(node.range);
             hideTag(siblings[close].range);
         }
