@@ -177,10 +177,16 @@ void MarkdownASTStyler::tagPass(const BlockContext& context, std::optional<Markd
 {
     const QString& text = *context.text;
     const MarkdownSourceRange whole{0, int(text.size())};
-    const MarkdownSourceRange scope = within ? within->intersection(whole) : whole;
+    const MarkdownSourceRange asked = within ? within->intersection(whole) : whole;
     // Most stretches of a note hold no "#" at all.
-    if (scope.length <= 0 || !QStringView(text).mid(scope.location, scope.length).contains(u'#'))
+    const qsizetype hashAt = asked.length > 0 ? QStringView(text).mid(asked.location, asked.length).indexOf(u'#') : -1;
+    if (hashAt < 0)
         return;
+    // The scan starts at the line of the first "#": a tag never crosses a line end, and the
+    // scanner starts afresh after one, so the tags found are the same.
+    const qsizetype lineStart = text.lastIndexOf(u'\n', asked.location + hashAt) + 1;
+    const MarkdownSourceRange scope =
+        MarkdownSourceRange::fromBounds(std::max(asked.location, int(lineStart)), asked.upperBound());
     std::vector<MarkdownSourceRange> excluding;
     for (const std::vector<MarkdownEditorFragment>* list : fragments) {
         for (const MarkdownEditorFragment& f : *list) {
@@ -255,12 +261,17 @@ void MarkdownASTStyler::styleTile(const BlockContext& context, size_t b, Tile& t
         if (!std::is_sorted(sorted.begin(), sorted.end()))
             std::sort(sorted.begin(), sorted.end());
     }
-    tile.merged.clear();
+    // Merged into sized buffers: a back inserter's checks cost more than the merge.
+    tile.merged.resize(tile.lists[0].size() + tile.lists[1].size());
     std::merge(tile.lists[0].begin(), tile.lists[0].end(), tile.lists[1].begin(), tile.lists[1].end(),
-               std::back_inserter(tile.merged));
-    tile.keys.clear();
+               tile.merged.begin());
+    if (tile.lists[2].empty()) {
+        std::swap(tile.keys, tile.merged);
+        return;
+    }
+    tile.keys.resize(tile.merged.size() + tile.lists[2].size());
     std::merge(tile.merged.begin(), tile.merged.end(), tile.lists[2].begin(), tile.lists[2].end(),
-               std::back_inserter(tile.keys));
+               tile.keys.begin());
 }
 
 bool MarkdownASTStyler::styleInStoreOrder(const BlockContext& context, MarkdownEditorFragmentStore::Builder& into)

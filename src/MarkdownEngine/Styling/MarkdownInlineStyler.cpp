@@ -189,6 +189,18 @@ MarkdownTextAttributes MarkdownInlineStyler::attributes(const QTextCharFormat& f
     return a;
 }
 
+const MarkdownTextAttributes& MarkdownInlineStyler::Environment::extensionAttributes(const MarkdownExtension& extension,
+                                                                                  const MarkdownFontDescriptor& font) const
+{
+    // A note uses a handful of fonts: a linear search is enough.
+    for (const ExtensionLook& look : extensionLooks) {
+        if (look.extension == &extension && look.font == font)
+            return look.attributes;
+    }
+    extensionLooks.push_back({&extension, font, attributes(extension.contentAttributes(font.toQFont()), font)});
+    return extensionLooks.back().attributes;
+}
+
 std::optional<QString> MarkdownInlineStyler::webURL(const QString& destination)
 {
     if (destination.isEmpty() || destination.contains(u' '))
@@ -291,7 +303,7 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
                                                                            : QStringLiteral("highlight"))
                                           : nullptr;
             if (extension)
-                a->merge(attributes(extension->contentAttributes(font.toQFont()), font));
+                a->merge(env.extensionAttributes(*extension, font));
             if (strike)
                 a->setStrikethroughColor(theme.strikethroughColor);
             else if (!extension)
@@ -302,7 +314,7 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
         } else if (const auto* span = node.as<ik::ExtensionSpan>()) {
             MarkdownTextAttributes* a = &levels.emplace_front(handed);
             if (auto extension = env.registry ? env.registry->extension(span->name) : nullptr)
-                a->merge(attributes(extension->contentAttributes(font.toQFont()), font));
+                a->merge(env.extensionAttributes(*extension, font));
             MarkdownEditorFragment::add(into, node.contentRange, Role::directiveBody, *a, 0);
             markerPass(node, Role::directiveMarker, theme.marker, env, into);
             pushChildren(node, a, frame.font);
