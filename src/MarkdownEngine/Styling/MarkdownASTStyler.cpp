@@ -33,6 +33,29 @@ bool excludesTags(Role role)
     }
 }
 
+// The keys of one list in store order. Lists come nearly in order (a node before its
+// markers): an insertion sort moves each key the few places it is out, and gives way to a
+// full sort when a list is more disordered than that.
+void sortKeys(std::vector<MarkdownEditorFragmentStore::OrderKey>& keys)
+{
+    size_t moves = 0;
+    const size_t budget = 8 * keys.size() + 64;
+    for (size_t i = 1; i < keys.size(); ++i) {
+        const MarkdownEditorFragmentStore::OrderKey key = keys[i];
+        size_t j = i;
+        while (j > 0 && key < keys[j - 1]) {
+            keys[j] = keys[j - 1];
+            --j;
+            if (++moves > budget) {
+                keys[j] = key;
+                std::sort(keys.begin(), keys.end());
+                return;
+            }
+        }
+        keys[j] = key;
+    }
+}
+
 }
 
 size_t MarkdownASTStyler::firstBlockEndingAfter(const std::vector<MarkdownBlock>& blocks, int location)
@@ -258,8 +281,7 @@ void MarkdownASTStyler::styleTile(const BlockContext& context, size_t b, Tile& t
         sorted.clear();
         for (const MarkdownEditorFragment& f : l == 0 ? tile.own : l == 1 ? tile.inlines : tile.tags)
             sorted.push_back({f.range.location, f.priority, order++});
-        if (!std::is_sorted(sorted.begin(), sorted.end()))
-            std::sort(sorted.begin(), sorted.end());
+        sortKeys(sorted);
     }
     // Merged into sized buffers: a back inserter's checks cost more than the merge.
     tile.merged.resize(tile.lists[0].size() + tile.lists[1].size());

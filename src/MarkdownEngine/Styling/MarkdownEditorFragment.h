@@ -35,13 +35,21 @@ struct MarkdownEditorFragment {
                     MarkdownEditorFragmentRole role, const MarkdownTextAttributes& attributes, int priority,
                     bool hidden = false)
     {
+#ifdef __cpp_aggregate_paren_init
         into.emplace_back(range, priority, role, hidden, attributes);
+#else // a compiler that cannot make an aggregate from parentheses (Clang before 16) moves a temporary
+        into.push_back({range, priority, role, hidden, attributes});
+#endif
     }
     static void add(std::vector<MarkdownEditorFragment>& into, MarkdownSourceRange range,
                     MarkdownEditorFragmentRole role, MarkdownTextAttributes&& attributes, int priority,
                     bool hidden = false)
     {
+#ifdef __cpp_aggregate_paren_init
         into.emplace_back(range, priority, role, hidden, std::move(attributes));
+#else
+        into.push_back({range, priority, role, hidden, std::move(attributes)});
+#endif
     }
     // A marker off the active line: the body font shrunk to next to nothing, clear ink.
     [[nodiscard]] static MarkdownEditorFragment hidden(MarkdownSourceRange range, MarkdownEditorFragmentRole role,

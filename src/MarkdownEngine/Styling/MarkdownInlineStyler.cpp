@@ -250,14 +250,13 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
     // Each frame hands its attributes and font down to the children it pushes. Attribute sets
     // are shared by the siblings of a level, so a deep chain costs one set per level.
     // The list keeps each level's set in place while its subtree is walked.
-    struct Frame {
-        const MarkdownInline* node;
-        const MarkdownTextAttributes* attributes;
-        const MarkdownFontDescriptor* font;
-    };
-    // Most nodes are plain text without children: neither container allocates for them.
+    // Most nodes are plain text without children: the list does not allocate for them.
     std::forward_list<MarkdownTextAttributes> levels;
-    std::vector<Frame> stack;
+    // A walk nested in this one (a link's children) works above this one's frames and leaves
+    // the stack as it found it.
+    using Frame = Environment::WalkFrame;
+    std::vector<Frame>& stack = env.walk;
+    const size_t base = stack.size();
     auto pushChildren = [&stack](const MarkdownInline& node, const MarkdownTextAttributes* a, const MarkdownFontDescriptor* font) {
         for (auto child = node.children.rbegin(); child != node.children.rend(); ++child)
             stack.push_back({&*child, a, font});
@@ -349,7 +348,7 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
         } else { // soft and hard breaks
             MarkdownEditorFragment::add(into, node.range, Role::body, {}, 0);
         }
-        if (stack.empty())
+        if (stack.size() == base)
             break;
     }
 }
@@ -383,7 +382,8 @@ void MarkdownInlineStyler::applyTextColors(const std::vector<MarkdownInline>& in
         }
     };
     // Sibling lists to look through, deepest included; a worklist keeps nesting off the stack.
-    std::vector<const std::vector<MarkdownInline>*> levels{&inlines};
+    std::vector<const std::vector<MarkdownInline>*>& levels = env.siblingLists;
+    levels.assign(1, &inlines);
     while (!levels.empty()) {
         const std::vector<MarkdownInline>& siblings = *levels.back();
         levels.pop_back();

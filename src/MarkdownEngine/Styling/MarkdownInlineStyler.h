@@ -38,6 +38,15 @@ public:
             MarkdownTextAttributes attributes;
         };
         mutable std::vector<ExtensionLook> extensionLooks;
+
+        // Scratch of the walks, kept from block to block rather than allocated for each.
+        struct WalkFrame {
+            const MarkdownInline* node;
+            const MarkdownTextAttributes* attributes;
+            const MarkdownFontDescriptor* font;
+        };
+        mutable std::vector<WalkFrame> walk;
+        mutable std::vector<const std::vector<MarkdownInline>*> siblingLists;
         [[nodiscard]] const MarkdownTextAttributes& extensionAttributes(const MarkdownExtension& extension,
                                                                         const MarkdownFontDescriptor& font) const;
     };
