@@ -71,8 +71,10 @@ void visitLink(const MarkdownInline& node, const ik::Link& link, const MarkdownT
     const QString destination = chars::trimmed(link.destination).toString();
     const bool incomplete = !link.hasDestination || destination.isEmpty();
     MarkdownTextAttributes a = handed;
-    if (auto url = MarkdownInlineStyler::webURL(destination); url && !incomplete)
-        a.setLink(*url);
+    if (!incomplete) {
+        if (auto url = MarkdownInlineStyler::webURL(destination))
+            a.setLink(*url);
+    }
     if (incomplete) {
         a.setForeground(withAlpha(config.theme.incompleteLink, config.link.incompleteLinkAlpha));
     } else {
