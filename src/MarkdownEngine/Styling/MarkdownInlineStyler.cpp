@@ -207,6 +207,14 @@ std::optional<QString> MarkdownInlineStyler::webURL(const QString& destination)
 {
     if (destination.isEmpty() || destination.contains(u' '))
         return std::nullopt;
+    // Only a scheme needs the URL reader and only a mail address the pattern. The others,
+    // relative paths mostly, are answered here and take no room in the cache: a note with
+    // thousands of them would otherwise push out the URLs it keeps coming back to.
+    const bool scheme = hasScheme(destination);
+    if (!scheme && destination.startsWith(QLatin1String("www."), Qt::CaseInsensitive))
+        return QStringLiteral("https://") + destination;
+    if (!scheme && !destination.contains(u'@'))
+        return std::nullopt;
     // Reading a URL costs microseconds, and a note links to the same places again and again.
     static QMutex mutex;
     static auto* const known = new QHash<QString, std::optional<QString>>();
@@ -218,12 +226,10 @@ std::optional<QString> MarkdownInlineStyler::webURL(const QString& destination)
     }
     std::optional<QString> url;
     static const QRegularExpression mail(QStringLiteral("^[^@/:\\s]+@[^@/:\\s]+\\.[^@/:\\s]+$"));
-    if (hasScheme(destination)) {
+    if (scheme) {
         const QUrl parsed(destination);
         if (parsed.isValid())
             url = parsed.toString();
-    } else if (destination.startsWith(QLatin1String("www."), Qt::CaseInsensitive)) {
-        url = QStringLiteral("https://") + destination;
     } else if (mail.match(destination).hasMatch()) {
         url = QStringLiteral("mailto:") + destination;
     }
