@@ -527,3 +527,52 @@ TEST(MarkdownASTStyler, HostileInputStaysLinear)
         ASSERT_LE(f.range.upperBound(), text.size());
     EXPECT_EQ(s->result.attributedString.resolved().runs().back().range.upperBound(), text.size());
 }
+
+TEST(MarkdownASTStyler, TagsWhereverTheyFallInABlock)
+{
+    // The tag scan starts at the line of a block's first "#": what comes before that "#" on
+    // its line, and on the lines after, must read as it does in the whole block.
+    struct Case {
+        const char16_t* text;
+        std::vector<const char16_t*> tags; // each found at its first occurrence
+    };
+    const Case cases[] = {
+        {u"plain line\nsecond #one and #two\n", {u"#one", u"#two"}},
+        {u"word#no\n#yes", {u"#yes"}},
+        {u"abc\n#t and &#35; then ##x", {u"#t"}},
+        {u"a\nb `#code` #real\n", {u"#real"}},
+        {u"# Heading #h\n\ntext\nmore #last", {u"#h", u"#last"}},
+        {u"- item\n- item #li\n\n> quote\n> #q", {u"#li", u"#q"}},
+    };
+    for (const Case& c : cases) {
+        const QString text = QString::fromUtf16(c.text);
+        SCOPED_TRACE(text.toStdString());
+        const auto s = style(text);
+        std::vector<MarkdownSourceRange> expected;
+        for (const char16_t* tag : c.tags)
+            expected.push_back({int(text.indexOf(QString::fromUtf16(tag))), int(std::char_traits<char16_t>::length(tag))});
+        std::vector<MarkdownSourceRange> found;
+        for (const MarkdownEditorFragment* f : s->result.fragments.fragments(Role::tag))
+            found.push_back(f->range);
+        EXPECT_EQ(found, expected) << s->dump().toStdString();
+    }
+}
+
+TEST(MarkdownASTStyler, DeepNestingStillStylesTileByTile)
+{
+    // Each level's markers follow its whole subtree in the walk: the deeper the nesting, the
+    // further they are out of order, past where sorting by insertion gives way.
+    QString text;
+    for (int i = 0; i < 150; ++i)
+        text += QStringLiteral("*a **b ");
+    text += u'x';
+    for (int i = 0; i < 150; ++i)
+        text += QStringLiteral(" b** a*");
+    text += QStringLiteral("\n\n[link *with* **many** `kids` ") + QStringLiteral("*e* ").repeated(200) + QStringLiteral("](u)\n");
+    const auto s = style(text);
+    const auto& fragments = s->result.fragments.fragments();
+    EXPECT_FALSE(s->result.fragments.tileEnds().empty());
+    EXPECT_TRUE(std::is_sorted(fragments.begin(), fragments.end(), [](const auto& a, const auto& b) {
+        return a.range.location != b.range.location ? a.range.location < b.range.location : a.priority < b.priority;
+    }));
+}

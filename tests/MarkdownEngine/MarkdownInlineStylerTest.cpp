@@ -203,3 +203,26 @@ TEST(MarkdownInlineStyler, DeepNestingDoesNotRecurse)
     const auto f = inlineFragments(text);
     EXPECT_FALSE(f.empty());
 }
+
+TEST(MarkdownInlineStyler, WebURLs)
+{
+    // Relative paths and plain words are answered without the URL reader; the answers must
+    // still be those it would give.
+    const std::pair<const char16_t*, std::optional<const char16_t*>> cases[] = {
+        {u"https://example.org/a?b=1", u"https://example.org/a?b=1"},
+        {u"mailto:me@example.org", u"mailto:me@example.org"},
+        {u"www.example.org", u"https://www.example.org"},
+        {u"WWW.example.org", u"https://WWW.example.org"},
+        {u"me@example.org", u"mailto:me@example.org"},
+        {u"me@example", std::nullopt},
+        {u"Note%20One.md", std::nullopt},
+        {u"folder/www.md", std::nullopt},
+        {u"a b", std::nullopt},
+        {u"", std::nullopt},
+    };
+    for (const auto& [destination, expected] : cases) {
+        const auto url = MarkdownInlineStyler::webURL(QString::fromUtf16(destination));
+        EXPECT_EQ(url, expected ? std::optional(QString::fromUtf16(*expected)) : std::nullopt)
+            << QString::fromUtf16(destination).toStdString();
+    }
+}

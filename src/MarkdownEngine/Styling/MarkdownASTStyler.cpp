@@ -33,6 +33,29 @@ bool excludesTags(Role role)
     }
 }
 
+// The keys of one list in store order. Lists come nearly in order (a node before its
+// markers): an insertion sort moves each key the few places it is out, and gives way to a
+// full sort when a list is more disordered than that.
+void sortKeys(std::vector<MarkdownEditorFragmentStore::OrderKey>& keys)
+{
+    size_t moves = 0;
+    const size_t budget = 8 * keys.size() + 64;
+    for (size_t i = 1; i < keys.size(); ++i) {
+        const MarkdownEditorFragmentStore::OrderKey key = keys[i];
+        size_t j = i;
+        while (j > 0 && key < keys[j - 1]) {
+            keys[j] = keys[j - 1];
+            --j;
+            if (++moves > budget) {
+                keys[j] = key;
+                std::sort(keys.begin(), keys.end());
+                return;
+            }
+        }
+        keys[j] = key;
+    }
+}
+
 }
 
 size_t MarkdownASTStyler::firstBlockEndingAfter(const std::vector<MarkdownBlock>& blocks, int location)
@@ -177,10 +200,16 @@ void MarkdownASTStyler::tagPass(const BlockContext& context, std::optional<Markd
 {
     const QString& text = *context.text;
     const MarkdownSourceRange whole{0, int(text.size())};
-    const MarkdownSourceRange scope = within ? within->intersection(whole) : whole;
+    const MarkdownSourceRange asked = within ? within->intersection(whole) : whole;
     // Most stretches of a note hold no "#" at all.
-    if (scope.length <= 0 || !QStringView(text).mid(scope.location, scope.length).contains(u'#'))
+    const qsizetype hashAt = asked.length > 0 ? QStringView(text).mid(asked.location, asked.length).indexOf(u'#') : -1;
+    if (hashAt < 0)
         return;
+    // The scan starts at the line of the first "#": a tag never crosses a line end, and the
+    // scanner starts afresh after one, so the tags found are the same.
+    const qsizetype lineStart = text.lastIndexOf(u'\n', asked.location + hashAt) + 1;
+    const MarkdownSourceRange scope =
+        MarkdownSourceRange::fromBounds(std::max(asked.location, int(lineStart)), asked.upperBound());
     std::vector<MarkdownSourceRange> excluding;
     for (const std::vector<MarkdownEditorFragment>* list : fragments) {
         for (const MarkdownEditorFragment& f : *list) {
@@ -252,15 +281,19 @@ void MarkdownASTStyler::styleTile(const BlockContext& context, size_t b, Tile& t
         sorted.clear();
         for (const MarkdownEditorFragment& f : l == 0 ? tile.own : l == 1 ? tile.inlines : tile.tags)
             sorted.push_back({f.range.location, f.priority, order++});
-        if (!std::is_sorted(sorted.begin(), sorted.end()))
-            std::sort(sorted.begin(), sorted.end());
+        sortKeys(sorted);
     }
-    tile.merged.clear();
+    // Merged into sized buffers: a back inserter's checks cost more than the merge.
+    tile.merged.resize(tile.lists[0].size() + tile.lists[1].size());
     std::merge(tile.lists[0].begin(), tile.lists[0].end(), tile.lists[1].begin(), tile.lists[1].end(),
-               std::back_inserter(tile.merged));
-    tile.keys.clear();
+               tile.merged.begin());
+    if (tile.lists[2].empty()) {
+        std::swap(tile.keys, tile.merged);
+        return;
+    }
+    tile.keys.resize(tile.merged.size() + tile.lists[2].size());
     std::merge(tile.merged.begin(), tile.merged.end(), tile.lists[2].begin(), tile.lists[2].end(),
-               std::back_inserter(tile.keys));
+               tile.keys.begin());
 }
 
 bool MarkdownASTStyler::styleInStoreOrder(const BlockContext& context, MarkdownEditorFragmentStore::Builder& into)

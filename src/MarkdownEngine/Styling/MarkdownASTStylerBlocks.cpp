@@ -206,7 +206,7 @@ void MarkdownASTStyler::markerPass(const MarkdownBlock& block, Role role, const 
         if (context.showsMarkers(marker)) {
             MarkdownTextAttributes a;
             a.setForeground(color);
-            into.push_back(MarkdownEditorFragment::make(marker, role, std::move(a), 30));
+            MarkdownEditorFragment::add(into, marker, role, std::move(a), 30);
         } else {
             into.push_back(MarkdownEditorFragment::hidden(marker, role, *context.request->config));
         }
@@ -225,15 +225,15 @@ void MarkdownASTStyler::style(const MarkdownBlock& block, const BlockContext& co
     if (const auto* heading = block.as<block_kind::Heading>()) {
         MarkdownTextAttributes a = base;
         a.setFont(headingFont(heading->level, config, context.bodyFont));
-        into.push_back(MarkdownEditorFragment::make(block.range, Role::heading, std::move(a), 5));
+        MarkdownEditorFragment::add(into, block.range, Role::heading, std::move(a), 5);
         markerPass(block, Role::headingMarker, theme.headingMarker, context, into);
     } else if (block.is<block_kind::ThematicBreak>()) {
-        into.push_back(MarkdownEditorFragment::make(block.range, Role::paragraph, base, 0));
+        MarkdownEditorFragment::add(into, block.range, Role::paragraph, base, 0);
         // The dashes hide on the active line too: only the drawn rule shows.
         MarkdownTextAttributes a;
         a.setFont(context.bodyFont);
         a.setForeground(clearColor);
-        into.push_back(MarkdownEditorFragment::make(block.contentRange, Role::thematicBreak, std::move(a), 60, true));
+        MarkdownEditorFragment::add(into, block.contentRange, Role::thematicBreak, std::move(a), 60, true);
     } else if (block.is<block_kind::Blockquote>()) {
         styleQuote(block, base, context, into);
         return;
@@ -249,22 +249,22 @@ void MarkdownASTStyler::style(const MarkdownBlock& block, const BlockContext& co
         MarkdownTextAttributes a = base;
         a.setFont(MarkdownFont::withSize(context.bodyFont, bodySize * 0.95));
         a.setForeground(theme.mutedText);
-        into.push_back(MarkdownEditorFragment::make(block.range, Role::footnote, std::move(a), 4));
+        MarkdownEditorFragment::add(into, block.range, Role::footnote, std::move(a), 4);
         markerPass(block, Role::footnoteMarker, theme.marker, context, into);
     } else if (block.is<block_kind::FrontMatter>()) {
         MarkdownTextAttributes a = base;
         a.setFont(MarkdownFont::monospaced(bodySize * 0.9));
         a.setForeground(theme.mutedText);
-        into.push_back(MarkdownEditorFragment::make(block.range, Role::frontMatter, std::move(a), 0));
+        MarkdownEditorFragment::add(into, block.range, Role::frontMatter, std::move(a), 0);
     } else if (block.is<block_kind::Paragraph>()) {
-        into.push_back(MarkdownEditorFragment::make(block.range, Role::paragraph, base, 0));
+        MarkdownEditorFragment::add(into, block.range, Role::paragraph, base, 0);
     } else if (block.is<block_kind::LatexBlock>()) {
         styleBlockLatex(block, base, context, into);
     } else if (block.is<block_kind::HtmlBlock>()) {
         MarkdownTextAttributes a;
         a.setFont(MarkdownFont::monospaced(bodySize * 0.92));
         a.setForeground(theme.disabledText);
-        into.push_back(MarkdownEditorFragment::make(block.range, Role::html, std::move(a), 0));
+        MarkdownEditorFragment::add(into, block.range, Role::html, std::move(a), 0);
     }
     if (block.quoteDepth >= 1)
         styleQuote(block, base, context, into);
@@ -286,7 +286,7 @@ void MarkdownASTStyler::styleQuote(const MarkdownBlock& block, MarkdownTextAttri
         base.setForeground(color);
         MarkdownTextAttributes a;
         a.setCallout(callout->marker());
-        into.push_back(MarkdownEditorFragment::make(block.range, Role::blockquote, std::move(a), 50));
+        MarkdownEditorFragment::add(into, block.range, Role::blockquote, std::move(a), 50);
         const QString marker = QStringLiteral("[!") + callout->marker() + u']';
         const qsizetype found = contentText.indexOf(marker, 0, Qt::CaseInsensitive);
         if (found >= 0) {
@@ -294,13 +294,13 @@ void MarkdownASTStyler::styleQuote(const MarkdownBlock& block, MarkdownTextAttri
             if (context.showsMarkers(range)) {
                 MarkdownTextAttributes m;
                 m.setForeground(color);
-                into.push_back(MarkdownEditorFragment::make(range, Role::blockquoteMarker, std::move(m), 51));
+                MarkdownEditorFragment::add(into, range, Role::blockquoteMarker, std::move(m), 51);
             } else {
                 into.push_back(MarkdownEditorFragment::hidden(range, Role::blockquoteMarker, config));
             }
         }
     }
-    into.push_back(MarkdownEditorFragment::make(block.range, Role::blockquote, base, 2));
+    MarkdownEditorFragment::add(into, block.range, Role::blockquote, base, 2);
     markerPass(block, Role::blockquoteMarker, config.theme.quoteBar, context, into);
 }
 
@@ -343,7 +343,7 @@ void MarkdownASTStyler::styleListItem(const MarkdownBlock& block, MarkdownTextAt
     MarkdownTextAttributes item = base;
     item.remove(MarkdownTextAttributes::Font);
     item.remove(MarkdownTextAttributes::Foreground);
-    into.push_back(MarkdownEditorFragment::make(block.range, Role::listItem, item, 2));
+    MarkdownEditorFragment::add(into, block.range, Role::listItem, item, 2);
 
     if (m.markerRange.length < 1 || m.markerRange.upperBound() > text.size())
         return;
@@ -367,7 +367,7 @@ void MarkdownASTStyler::styleListItem(const MarkdownBlock& block, MarkdownTextAt
         a.setForeground(config.theme.marker);
         if (ordered)
             a.setFont(markerFont);
-        into.push_back(MarkdownEditorFragment::make(prefix, Role::listMarker, std::move(a), 30));
+        MarkdownEditorFragment::add(into, prefix, Role::listMarker, std::move(a), 30);
         return;
     }
     into.push_back(collapsed(prefix));
@@ -375,13 +375,13 @@ void MarkdownASTStyler::styleListItem(const MarkdownBlock& block, MarkdownTextAt
         MarkdownTextAttributes a;
         a.setListMarker(ordered ? QString::number(ordered->number) + QChar(ordered->delimiter) : QStringLiteral("•"));
         a.setRole(Role::bullet);
-        into.push_back(MarkdownEditorFragment::make(m.markerRange, Role::bullet, std::move(a), 25));
+        MarkdownEditorFragment::add(into, m.markerRange, Role::bullet, std::move(a), 25);
     } else {
-        into.push_back(MarkdownEditorFragment::make(box->range, Role::taskCheckbox, {}, 31, true));
+        MarkdownEditorFragment::add(into, box->range, Role::taskCheckbox, {}, 31, true);
         MarkdownTextAttributes a;
         a.setTaskCheckbox(box->isChecked);
         a.setRole(Role::taskCheckbox);
-        into.push_back(MarkdownEditorFragment::make(box->range, Role::taskCheckbox, std::move(a), 28));
+        MarkdownEditorFragment::add(into, box->range, Role::taskCheckbox, std::move(a), 28);
     }
 }
 
@@ -402,11 +402,11 @@ void MarkdownASTStyler::styleFence(const MarkdownBlock& block, const MarkdownTex
             MarkdownTextAttributes a;
             a.setRole(Role::imageEmbed);
             a.setAttachment(std::move(attachment));
-            into.push_back(MarkdownEditorFragment::make(block.range, Role::imageEmbed, std::move(a), 60));
+            MarkdownEditorFragment::add(into, block.range, Role::imageEmbed, std::move(a), 60);
             MarkdownTextAttributes h;
             h.setFont(MarkdownFont::withSize(context.bodyFont, 0.1));
             h.setForeground(clearColor);
-            into.push_back(MarkdownEditorFragment::make(block.range, Role::fence, std::move(h), 61, true));
+            MarkdownEditorFragment::add(into, block.range, Role::fence, std::move(h), 61, true);
             return;
         }
     }
@@ -418,8 +418,8 @@ void MarkdownASTStyler::styleFence(const MarkdownBlock& block, const MarkdownTex
     MarkdownTextAttributes box;
     box.setRole(Role::fence);
     box.setFenceBox();
-    into.push_back(MarkdownEditorFragment::make(block.range, Role::fence, std::move(box), 3));
-    into.push_back(MarkdownEditorFragment::make(block.contentRange, Role::fence, code, 5));
+    MarkdownEditorFragment::add(into, block.range, Role::fence, std::move(box), 3);
+    MarkdownEditorFragment::add(into, block.contentRange, Role::fence, code, 5);
 
     if (context.request->highlightedCode) {
         const auto found = context.request->highlightedCode->constFind(codeKey(block));
@@ -433,7 +433,7 @@ void MarkdownASTStyler::styleFence(const MarkdownBlock& block, const MarkdownTex
                 if (!a.has(MarkdownTextAttributes::Font))
                     a.setFont(codeFont);
                 a.setRole(Role::fence);
-                into.push_back(MarkdownEditorFragment::make(clipped, Role::fence, std::move(a), 6));
+                MarkdownEditorFragment::add(into, clipped, Role::fence, std::move(a), 6);
             }
         }
     }
@@ -442,7 +442,7 @@ void MarkdownASTStyler::styleFence(const MarkdownBlock& block, const MarkdownTex
         MarkdownTextAttributes a;
         a.setForeground(config.theme.mutedText);
         a.setFont(MarkdownFont::monospaced(codeFont.pointSize * 0.95));
-        into.push_back(MarkdownEditorFragment::make(*info, Role::fenceInfo, std::move(a), 0));
+        MarkdownEditorFragment::add(into, *info, Role::fenceInfo, std::move(a), 0);
     }
 }
 
@@ -457,7 +457,7 @@ void MarkdownASTStyler::styleTable(const MarkdownBlock& block, const MarkdownTex
     base.setFont(context.bodyFont);
     if (grid)
         base.setTableGrid();
-    into.push_back(MarkdownEditorFragment::make(block.range, Role::table, base, 3));
+    MarkdownEditorFragment::add(into, block.range, Role::table, base, 3);
 
     const MarkdownFontDescriptor headerFont = MarkdownFont::applying(MarkdownFont::Trait::bold, context.bodyFont);
     for (const auto& row : t.rows) {
@@ -469,7 +469,7 @@ void MarkdownASTStyler::styleTable(const MarkdownBlock& block, const MarkdownTex
             a.setDepth(cell.column);
             if (cell.isHeader)
                 a.setFont(headerFont);
-            into.push_back(MarkdownEditorFragment::make(cell.range, Role::tableCell, std::move(a), 8));
+            MarkdownEditorFragment::add(into, cell.range, Role::tableCell, std::move(a), 8);
         }
     }
     if (grid) {
@@ -481,7 +481,7 @@ void MarkdownASTStyler::styleTable(const MarkdownBlock& block, const MarkdownTex
                 MarkdownTextAttributes a;
                 a.setForeground(clearColor);
                 a.setFont(context.bodyFont);
-                into.push_back(MarkdownEditorFragment::make({pipe, 1}, Role::table, std::move(a), 9));
+                MarkdownEditorFragment::add(into, {pipe, 1}, Role::table, std::move(a), 9);
             }
         }
     }
@@ -498,13 +498,13 @@ void MarkdownASTStyler::styleTable(const MarkdownBlock& block, const MarkdownTex
         MarkdownTextAttributes a;
         a.setParagraph(p);
         a.setRole(Role::tableRule);
-        into.push_back(MarkdownEditorFragment::make(MarkdownSourceRange::fromBounds(int(line.start), int(line.end)), Role::tableRule,
-                            std::move(a), 12));
+        MarkdownEditorFragment::add(into, MarkdownSourceRange::fromBounds(int(line.start), int(line.end)), Role::tableRule,
+                            std::move(a), 12);
     } else {
         MarkdownTextAttributes a;
         a.setForeground(config.theme.mutedText);
         a.setFont(MarkdownFont::monospaced(context.bodyFont.pointSize * 0.85));
-        into.push_back(MarkdownEditorFragment::make(t.separatorRange, Role::tableAlignment, std::move(a), 12));
+        MarkdownEditorFragment::add(into, t.separatorRange, Role::tableAlignment, std::move(a), 12);
     }
 }
 
@@ -516,7 +516,7 @@ void MarkdownASTStyler::styleDirective(const MarkdownBlock& block, const Markdow
     const QString& text = *context.text;
     MarkdownTextAttributes base = directiveBase;
     base.setForeground(config.theme.mutedText);
-    into.push_back(MarkdownEditorFragment::make(block.range, Role::directive, base, 0));
+    MarkdownEditorFragment::add(into, block.range, Role::directive, base, 0);
 
     const auto registered = context.directives ? context.directives->directive(directive.name) : nullptr;
     if (registered && (registered->syntax().parsesBody || directive.hasBody)) {
@@ -528,15 +528,15 @@ void MarkdownASTStyler::styleDirective(const MarkdownBlock& block, const Markdow
         const DirectiveStyle rendered = registered->style(openerArguments(block, text, registered->syntax()),
                                                           directiveContext);
         if (!rendered.attributes.properties().isEmpty()) {
-            into.push_back(MarkdownEditorFragment::make(block.contentRange, Role::directiveBody,
-                                MarkdownInlineStyler::attributes(rendered.attributes, context.bodyFont), 8));
+            MarkdownEditorFragment::add(into, block.contentRange, Role::directiveBody,
+                                MarkdownInlineStyler::attributes(rendered.attributes, context.bodyFont), 8);
         }
         if (!rendered.font.isIdentity()) {
             const MarkdownFontDescriptor transformed = fromQFont(rendered.font.apply(directiveContext.inheritedFont));
             if (!(transformed == context.bodyFont)) {
                 MarkdownTextAttributes a;
                 a.setFont(transformed);
-                into.push_back(MarkdownEditorFragment::make(block.contentRange, Role::directiveBody, std::move(a), 9));
+                MarkdownEditorFragment::add(into, block.contentRange, Role::directiveBody, std::move(a), 9);
             }
         }
     }
@@ -557,17 +557,17 @@ void MarkdownASTStyler::styleBlockLatex(const MarkdownBlock& block, const Markdo
         MarkdownTextAttributes a;
         a.setRole(Role::latex);
         a.setAttachment(std::move(attachment));
-        into.push_back(MarkdownEditorFragment::make(block.range, Role::latex, std::move(a), 60));
+        MarkdownEditorFragment::add(into, block.range, Role::latex, std::move(a), 60);
         MarkdownTextAttributes h;
         h.setFont(MarkdownFont::withSize(context.bodyFont, 0.1));
         h.setForeground(clearColor);
-        into.push_back(MarkdownEditorFragment::make(block.range, Role::latex, std::move(h), 61, true));
+        MarkdownEditorFragment::add(into, block.range, Role::latex, std::move(h), 61, true);
         return;
     }
     MarkdownTextAttributes a = base;
     a.setFont(MarkdownFont::monospaced(context.bodyFont.pointSize));
     a.setForeground(ink);
-    into.push_back(MarkdownEditorFragment::make(block.range, Role::latex, std::move(a), 0));
+    MarkdownEditorFragment::add(into, block.range, Role::latex, std::move(a), 0);
 }
 
 }

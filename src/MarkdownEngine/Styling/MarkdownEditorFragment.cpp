@@ -40,10 +40,8 @@ MarkdownEditorFragment MarkdownEditorFragment::hidden(MarkdownSourceRange range,
 
 bool operator==(const MarkdownEditorFragment& a, const MarkdownEditorFragment& b)
 {
-    const bool sameReplacementAttributes = a.replacementAttributes == b.replacementAttributes
-        || (a.replacementAttributes && b.replacementAttributes && *a.replacementAttributes == *b.replacementAttributes);
-    return a.range == b.range && a.role == b.role && a.replacement == b.replacement && a.isHidden == b.isHidden
-        && a.priority == b.priority && a.attributes == b.attributes && sameReplacementAttributes;
+    return a.range == b.range && a.role == b.role && a.isHidden == b.isHidden && a.priority == b.priority
+        && a.attributes == b.attributes;
 }
 
 }

@@ -4,9 +4,7 @@
 #include "MarkdownEngine/Styling/MarkdownEditorFragmentRole.h"
 #include "MarkdownEngine/Styling/MarkdownTextAttributes.h"
 
-#include <QString>
-#include <memory>
-#include <optional>
+#include <vector>
 
 namespace velmo::markdown {
 
@@ -20,9 +18,6 @@ struct MarkdownEditorFragment {
     MarkdownEditorFragmentRole role = MarkdownEditorFragmentRole::body;
     bool isHidden = false;
     MarkdownTextAttributes attributes;
-    std::optional<QString> replacement;
-    // Usually absent; shared so that the common fragment carries one pointer for it.
-    std::shared_ptr<const MarkdownTextAttributes> replacementAttributes;
 
     [[nodiscard]] bool isEmpty() const { return range.length == 0; }
     [[nodiscard]] int end() const { return range.upperBound(); }
@@ -34,6 +29,28 @@ struct MarkdownEditorFragment {
     [[nodiscard]] static MarkdownEditorFragment make(MarkdownSourceRange range, MarkdownEditorFragmentRole role,
                                                      MarkdownTextAttributes attributes, int priority,
                                                      bool hidden = false);
+    // The same made in place at the end of `into`: a pass appends a hundred thousand of them,
+    // and each move of one through a temporary shows.
+    static void add(std::vector<MarkdownEditorFragment>& into, MarkdownSourceRange range,
+                    MarkdownEditorFragmentRole role, const MarkdownTextAttributes& attributes, int priority,
+                    bool hidden = false)
+    {
+#ifdef __cpp_aggregate_paren_init
+        into.emplace_back(range, priority, role, hidden, attributes);
+#else // a compiler that cannot make an aggregate from parentheses (Clang before 16) moves a temporary
+        into.push_back({range, priority, role, hidden, attributes});
+#endif
+    }
+    static void add(std::vector<MarkdownEditorFragment>& into, MarkdownSourceRange range,
+                    MarkdownEditorFragmentRole role, MarkdownTextAttributes&& attributes, int priority,
+                    bool hidden = false)
+    {
+#ifdef __cpp_aggregate_paren_init
+        into.emplace_back(range, priority, role, hidden, std::move(attributes));
+#else
+        into.push_back({range, priority, role, hidden, std::move(attributes)});
+#endif
+    }
     // A marker off the active line: the body font shrunk to next to nothing, clear ink.
     [[nodiscard]] static MarkdownEditorFragment hidden(MarkdownSourceRange range, MarkdownEditorFragmentRole role,
                                                        const MarkdownEditorConfiguration& config);

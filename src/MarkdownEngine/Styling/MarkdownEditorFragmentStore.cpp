@@ -30,13 +30,12 @@ MarkdownEditorFragmentStore::MarkdownEditorFragmentStore(std::vector<MarkdownEdi
             ordered.push_back(std::move(fragments[size_t(key.index)]));
     }
     for (int i = 0; i < int(ordered.size()); ++i)
-        data->list(i);
+        data->list(ordered[size_t(i)], i);
     m_data = std::move(data);
 }
 
-void MarkdownEditorFragmentStore::Data::list(int i)
+void MarkdownEditorFragmentStore::Data::list(const MarkdownEditorFragment& f, int i)
 {
-    const MarkdownEditorFragment& f = fragments[size_t(i)];
     longest = std::max(longest, f.range.length);
     if (f.isHidden)
         hide(f.range);
@@ -230,15 +229,16 @@ MarkdownEditorFragmentStore::Builder::Builder(size_t expected)
 void MarkdownEditorFragmentStore::Builder::append(MarkdownEditorFragment&& fragment)
 {
     std::vector<MarkdownEditorFragment>& fragments = m_data->fragments;
-    if (!fragments.empty()) {
+    if (m_inOrder && !fragments.empty()) {
         const MarkdownEditorFragment& last = fragments.back();
         if (fragment.range.location < last.range.location
             || (fragment.range.location == last.range.location && fragment.priority < last.priority))
             m_inOrder = false;
     }
-    fragments.push_back(std::move(fragment));
+    // Listed while still at hand, before it moves.
     if (m_inOrder)
-        m_data->list(int(fragments.size()) - 1);
+        m_data->list(fragment, int(fragments.size()));
+    fragments.push_back(std::move(fragment));
 }
 
 void MarkdownEditorFragmentStore::Builder::endTile()
@@ -341,14 +341,11 @@ void MarkdownEditorFragmentStore::apply(MarkdownStyledText& text, const Markdown
                 keys.push_back({fragments[k].priority, -fragments[k].range.length, fragments[k].range.location, int(k)});
         }
         std::sort(keys.begin(), keys.end());
-        // Velmo.role and Velmo.hidden go on after each fragment's own attributes, then its
-        // replacement attributes, if any.
+        // Velmo.role and Velmo.hidden go on after each fragment's own attributes.
         for (const Key& key : keys) {
             const MarkdownEditorFragment& f = fragments[size_t(key.index)];
-            const MarkdownSourceRange range{f.range.location - offset, f.range.length};
-            additions.push_back({range, &f.attributes, nullptr, true, f.isHidden, f.role});
-            if (f.replacementAttributes)
-                additions.push_back({range, f.replacementAttributes.get()});
+            additions.push_back({{f.range.location - offset, f.range.length}, &f.attributes, nullptr, true, f.isHidden,
+                                 f.role});
         }
         i = j;
     }

@@ -106,8 +106,8 @@ private:
         std::vector<int> tileEnds;
         std::vector<MarkdownSourceRange> selection;
 
-        // Adds fragments[i], the last so far in order, to the lists.
-        void list(int i);
+        // Adds `f`, the fragment at `i` and the last so far in order, to the lists.
+        void list(const MarkdownEditorFragment& f, int i);
         // Adds a hidden range, the last so far in order.
         void hide(MarkdownSourceRange r);
         // Takes the lists of old fragments [first, last), which now start at `to`, their

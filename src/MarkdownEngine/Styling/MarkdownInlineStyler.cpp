@@ -49,9 +49,9 @@ void markerPass(const MarkdownInline& node, Role role, const QColor& color, cons
         if (env.showsMarkers(marker)) {
             MarkdownTextAttributes a;
             a.setForeground(color);
-            into.push_back(MarkdownEditorFragment::make(marker, role, std::move(a), 30));
+            MarkdownEditorFragment::add(into, marker, role, std::move(a), 30);
         } else {
-            into.push_back(MarkdownEditorFragment::make(marker, role, {}, 30, true));
+            MarkdownEditorFragment::add(into, marker, role, {}, 30, true);
         }
     }
 }
@@ -71,8 +71,10 @@ void visitLink(const MarkdownInline& node, const ik::Link& link, const MarkdownT
     const QString destination = chars::trimmed(link.destination).toString();
     const bool incomplete = !link.hasDestination || destination.isEmpty();
     MarkdownTextAttributes a = handed;
-    if (auto url = MarkdownInlineStyler::webURL(destination); url && !incomplete)
-        a.setLink(*url);
+    if (!incomplete) {
+        if (auto url = MarkdownInlineStyler::webURL(destination))
+            a.setLink(*url);
+    }
     if (incomplete) {
         a.setForeground(withAlpha(config.theme.incompleteLink, config.link.incompleteLinkAlpha));
     } else {
@@ -80,7 +82,7 @@ void visitLink(const MarkdownInline& node, const ik::Link& link, const MarkdownT
         a.setUnderline(withAlpha(config.theme.link, config.link.underlineAlpha));
     }
     if (node.contentRange.length > 0)
-        into.push_back(MarkdownEditorFragment::make(node.contentRange, Role::link, a, 0));
+        MarkdownEditorFragment::add(into, node.contentRange, Role::link, a, 0);
     for (const MarkdownInline& child : node.children)
         MarkdownInlineStyler::visit(child, a, font, env, into);
     const int contentEnd = node.contentRange.upperBound();
@@ -92,15 +94,15 @@ void visitLink(const MarkdownInline& node, const ik::Link& link, const MarkdownT
             MarkdownTextAttributes d;
             d.setForeground(config.theme.disabledText);
             d.setFont(MarkdownFont::monospaced(font.pointSize * 0.9));
-            into.push_back(MarkdownEditorFragment::make(marker, Role::linkDestination, std::move(d), 0));
+            MarkdownEditorFragment::add(into, marker, Role::linkDestination, std::move(d), 0);
         } else if (shows) {
             MarkdownTextAttributes m;
             m.setForeground(config.theme.marker);
-            into.push_back(MarkdownEditorFragment::make(marker, Role::linkMarker, std::move(m), 0));
+            MarkdownEditorFragment::add(into, marker, Role::linkMarker, std::move(m), 0);
         } else if (marker.upperBound() <= node.contentRange.location || marker.location >= contentEnd) {
             MarkdownTextAttributes m;
             m.setForeground(clearColor);
-            into.push_back(MarkdownEditorFragment::make(marker, Role::linkMarker, std::move(m), 31, true));
+            MarkdownEditorFragment::add(into, marker, Role::linkMarker, std::move(m), 31, true);
         }
     }
 }
@@ -115,19 +117,19 @@ void visitImage(const MarkdownInline& node, const ik::Image& image, const Markdo
     a.setForeground(config.theme.disabledText);
     if (!image.isEmbed) {
         a.setFont(MarkdownFont::monospaced(font.pointSize * 0.9));
-        into.push_back(MarkdownEditorFragment::make(node.range, Role::imageEmbed, std::move(a), 0));
+        MarkdownEditorFragment::add(into, node.range, Role::imageEmbed, std::move(a), 0);
         return;
     }
     auto attachment = env.attachments
         ? env.attachments->embeddedImage(source, std::nullopt, std::nullopt, env.maximumEmbedWidth)
         : nullptr;
     if (!attachment) {
-        into.push_back(MarkdownEditorFragment::make(node.range, Role::imageEmbed, std::move(a), 0));
+        MarkdownEditorFragment::add(into, node.range, Role::imageEmbed, std::move(a), 0);
         return;
     }
     MarkdownTextAttributes e = handed;
     e.setAttachment(std::move(attachment));
-    into.push_back(MarkdownEditorFragment::make(node.range, Role::imageEmbed, std::move(e), 20));
+    MarkdownEditorFragment::add(into, node.range, Role::imageEmbed, std::move(e), 20);
 }
 
 void visitLatex(const MarkdownInline& node, const ik::Latex& latex, const MarkdownTextAttributes& handed,
@@ -144,14 +146,14 @@ void visitLatex(const MarkdownInline& node, const ik::Latex& latex, const Markdo
         MarkdownTextAttributes a = handed;
         a.setFont(MarkdownFont::monospaced(font.pointSize));
         a.setForeground(ink);
-        into.push_back(MarkdownEditorFragment::make(node.range, Role::latex, std::move(a), attachment ? 20 : 0));
+        MarkdownEditorFragment::add(into, node.range, Role::latex, std::move(a), attachment ? 20 : 0);
         return;
     }
     MarkdownTextAttributes a = handed;
     a.setRole(Role::latex);
     a.setFont(MarkdownFont::withSize(font, std::max<double>(font.pointSize, attachment->size.height() * 0.6)));
     a.setAttachment(std::move(attachment));
-    into.push_back(MarkdownEditorFragment::make(node.range, Role::latex, std::move(a), 20));
+    MarkdownEditorFragment::add(into, node.range, Role::latex, std::move(a), 20);
 }
 
 }
@@ -189,9 +191,29 @@ MarkdownTextAttributes MarkdownInlineStyler::attributes(const QTextCharFormat& f
     return a;
 }
 
+const MarkdownTextAttributes& MarkdownInlineStyler::Environment::extensionAttributes(const MarkdownExtension& extension,
+                                                                                  const MarkdownFontDescriptor& font) const
+{
+    // A note uses a handful of fonts: a linear search is enough.
+    for (const ExtensionLook& look : extensionLooks) {
+        if (look.extension == &extension && look.font == font)
+            return look.attributes;
+    }
+    extensionLooks.push_back({&extension, font, attributes(extension.contentAttributes(font.toQFont()), font)});
+    return extensionLooks.back().attributes;
+}
+
 std::optional<QString> MarkdownInlineStyler::webURL(const QString& destination)
 {
     if (destination.isEmpty() || destination.contains(u' '))
+        return std::nullopt;
+    // Only a scheme needs the URL reader and only a mail address the pattern. The others,
+    // relative paths mostly, are answered here and take no room in the cache: a note with
+    // thousands of them would otherwise push out the URLs it keeps coming back to.
+    const bool scheme = hasScheme(destination);
+    if (!scheme && destination.startsWith(QLatin1String("www."), Qt::CaseInsensitive))
+        return QStringLiteral("https://") + destination;
+    if (!scheme && !destination.contains(u'@'))
         return std::nullopt;
     // Reading a URL costs microseconds, and a note links to the same places again and again.
     static QMutex mutex;
@@ -204,12 +226,10 @@ std::optional<QString> MarkdownInlineStyler::webURL(const QString& destination)
     }
     std::optional<QString> url;
     static const QRegularExpression mail(QStringLiteral("^[^@/:\\s]+@[^@/:\\s]+\\.[^@/:\\s]+$"));
-    if (hasScheme(destination)) {
+    if (scheme) {
         const QUrl parsed(destination);
         if (parsed.isValid())
             url = parsed.toString();
-    } else if (destination.startsWith(QLatin1String("www."), Qt::CaseInsensitive)) {
-        url = QStringLiteral("https://") + destination;
     } else if (mail.match(destination).hasMatch()) {
         url = QStringLiteral("mailto:") + destination;
     }
@@ -238,14 +258,13 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
     // Each frame hands its attributes and font down to the children it pushes. Attribute sets
     // are shared by the siblings of a level, so a deep chain costs one set per level.
     // The list keeps each level's set in place while its subtree is walked.
-    struct Frame {
-        const MarkdownInline* node;
-        const MarkdownTextAttributes* attributes;
-        const MarkdownFontDescriptor* font;
-    };
-    // Most nodes are plain text without children: neither container allocates for them.
+    // Most nodes are plain text without children: the list does not allocate for them.
     std::forward_list<MarkdownTextAttributes> levels;
-    std::vector<Frame> stack;
+    // A walk nested in this one (a link's children) works above this one's frames and leaves
+    // the stack as it found it.
+    using Frame = Environment::WalkFrame;
+    std::vector<Frame>& stack = env.walk;
+    const size_t base = stack.size();
     auto pushChildren = [&stack](const MarkdownInline& node, const MarkdownTextAttributes* a, const MarkdownFontDescriptor* font) {
         for (auto child = node.children.rbegin(); child != node.children.rend(); ++child)
             stack.push_back({&*child, a, font});
@@ -257,19 +276,19 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
         const MarkdownFontDescriptor& font = *frame.font;
 
         if (node.is<ik::Text>()) {
-            into.push_back(MarkdownEditorFragment::make(node.range, Role::body, handed, 0));
+            MarkdownEditorFragment::add(into, node.range, Role::body, handed, 0);
         } else if (node.is<ik::Escape>()) {
-            into.push_back(MarkdownEditorFragment::make(node.contentRange, Role::body, handed, 0));
+            MarkdownEditorFragment::add(into, node.contentRange, Role::body, handed, 0);
             for (const MarkdownSourceRange& marker : node.markerRanges) {
                 if (marker.length > 0)
-                    into.push_back(MarkdownEditorFragment::make(marker, Role::escapeMarker, {}, 30, true));
+                    MarkdownEditorFragment::add(into, marker, Role::escapeMarker, {}, 30, true);
             }
         } else if (node.is<ik::Code>()) {
             MarkdownTextAttributes a = handed;
             a.setFont(codeFont(config.inlineCode.fontName, font.pointSize * config.inlineCode.fontSizeScale));
             a.setForeground(theme.bodyText);
             a.setBackground(theme.codeBackground);
-            into.push_back(MarkdownEditorFragment::make(node.range, Role::inlineCode, std::move(a), 10));
+            MarkdownEditorFragment::add(into, node.range, Role::inlineCode, std::move(a), 10);
             markerPass(node, Role::codeMarker, withAlpha(theme.marker, config.markers.inlineCodeMarkerAlpha), env, into);
         } else if (const auto* emphasis = node.as<ik::Emphasis>()) {
             // The kind's raw value plus one is the trait mask: italic 1, bold 2, both 3.
@@ -281,7 +300,7 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
                 emphasized = MarkdownFont::applying(MarkdownFont::Trait::bold, emphasized);
             MarkdownTextAttributes* a = &levels.emplace_front(handed);
             a->setFont(emphasized);
-            into.push_back(MarkdownEditorFragment::make(node.contentRange, Role::body, *a, 0));
+            MarkdownEditorFragment::add(into, node.contentRange, Role::body, *a, 0);
             markerPass(node, Role::emphasisMarker, theme.marker, env, into);
             pushChildren(node, a, frame.font);
         } else if (node.is<ik::Strikethrough>() || node.is<ik::Highlight>()) {
@@ -291,19 +310,19 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
                                                                            : QStringLiteral("highlight"))
                                           : nullptr;
             if (extension)
-                a->merge(attributes(extension->contentAttributes(font.toQFont()), font));
+                a->merge(env.extensionAttributes(*extension, font));
             if (strike)
                 a->setStrikethroughColor(theme.strikethroughColor);
             else if (!extension)
                 a->setBackground(theme.highlightColor);
-            into.push_back(MarkdownEditorFragment::make(node.contentRange, Role::body, *a, 0));
+            MarkdownEditorFragment::add(into, node.contentRange, Role::body, *a, 0);
             markerPass(node, Role::emphasisMarker, theme.marker, env, into);
             pushChildren(node, a, frame.font);
         } else if (const auto* span = node.as<ik::ExtensionSpan>()) {
             MarkdownTextAttributes* a = &levels.emplace_front(handed);
             if (auto extension = env.registry ? env.registry->extension(span->name) : nullptr)
-                a->merge(attributes(extension->contentAttributes(font.toQFont()), font));
-            into.push_back(MarkdownEditorFragment::make(node.contentRange, Role::directiveBody, *a, 0));
+                a->merge(env.extensionAttributes(*extension, font));
+            MarkdownEditorFragment::add(into, node.contentRange, Role::directiveBody, *a, 0);
             markerPass(node, Role::directiveMarker, theme.marker, env, into);
             pushChildren(node, a, frame.font);
         } else if (const auto* link = node.as<ik::Link>()) {
@@ -314,7 +333,7 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
             a.setUnderline(withAlpha(theme.link, config.link.underlineAlpha));
             a.setRole(Role::wikiLink);
             a.setWikiLinkID(wiki->target);
-            into.push_back(MarkdownEditorFragment::make(node.contentRange, Role::wikiLink, std::move(a), 0));
+            MarkdownEditorFragment::add(into, node.contentRange, Role::wikiLink, std::move(a), 0);
             markerPass(node, Role::linkMarker, theme.marker, env, into);
         } else if (const auto* image = node.as<ik::Image>()) {
             visitImage(node, *image, handed, font, env, into);
@@ -328,16 +347,16 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
             a.setForeground(theme.link);
             a.setRole(Role::footnote);
             a.setWikiLinkID(footnote->label);
-            into.push_back(MarkdownEditorFragment::make(node.range, Role::footnote, std::move(a), 10));
+            MarkdownEditorFragment::add(into, node.range, Role::footnote, std::move(a), 10);
         } else if (node.is<ik::Html>()) {
             MarkdownTextAttributes a = handed;
             a.setForeground(theme.disabledText);
             a.setFont(MarkdownFont::monospaced(font.pointSize * 0.92));
-            into.push_back(MarkdownEditorFragment::make(node.range, Role::html, std::move(a), 0));
+            MarkdownEditorFragment::add(into, node.range, Role::html, std::move(a), 0);
         } else { // soft and hard breaks
-            into.push_back(MarkdownEditorFragment::make(node.range, Role::body, {}, 0));
+            MarkdownEditorFragment::add(into, node.range, Role::body, {}, 0);
         }
-        if (stack.empty())
+        if (stack.size() == base)
             break;
     }
 }
@@ -365,13 +384,14 @@ void MarkdownInlineStyler::applyTextColors(const std::vector<MarkdownInline>& in
         if (env.showsMarkers(tag)) {
             MarkdownTextAttributes a;
             a.setForeground(env.config->theme.marker);
-            into.push_back(MarkdownEditorFragment::make(tag, Role::html, std::move(a), 30));
+            MarkdownEditorFragment::add(into, tag, Role::html, std::move(a), 30);
         } else {
-            into.push_back(MarkdownEditorFragment::make(tag, Role::html, {}, 30, true));
+            MarkdownEditorFragment::add(into, tag, Role::html, {}, 30, true);
         }
     };
     // Sibling lists to look through, deepest included; a worklist keeps nesting off the stack.
-    std::vector<const std::vector<MarkdownInline>*> levels{&inlines};
+    std::vector<const std::vector<MarkdownInline>*>& levels = env.siblingLists;
+    levels.assign(1, &inlines);
     while (!levels.empty()) {
         const std::vector<MarkdownInline>& siblings = *levels.back();
         levels.pop_back();
@@ -398,7 +418,7 @@ void MarkdownInlineStyler::applyTextColors(const std::vector<MarkdownInline>& in
             MarkdownTextAttributes a;
             a.setForeground(*color);
             // Above the text nodes (0) and the block fonts (heading 5): it sets only the ink.
-            into.push_back(MarkdownEditorFragment::make(inner, Role::body, std::move(a), 7));
+            MarkdownEditorFragment::add(into, inner, Role::body, std::move(a), 7);
             hideTag(node.range);
             hideTag(siblings[close].range);
         }

@@ -29,6 +29,26 @@ public:
         RangePredicate revealsFormula;
         MarkdownEditorAttachmentFactory* attachments = nullptr; // may be null: no pictures
         double maximumEmbedWidth = 0;
+
+        // What an extension gave for a font, kept for the pass: asking it means making a QFont
+        // and reading a format, for every span of a note that has many of the same few.
+        struct ExtensionLook {
+            const MarkdownExtension* extension;
+            MarkdownFontDescriptor font;
+            MarkdownTextAttributes attributes;
+        };
+        mutable std::vector<ExtensionLook> extensionLooks;
+
+        // Scratch of the walks, kept from block to block rather than allocated for each.
+        struct WalkFrame {
+            const MarkdownInline* node;
+            const MarkdownTextAttributes* attributes;
+            const MarkdownFontDescriptor* font;
+        };
+        mutable std::vector<WalkFrame> walk;
+        mutable std::vector<const std::vector<MarkdownInline>*> siblingLists;
+        [[nodiscard]] const MarkdownTextAttributes& extensionAttributes(const MarkdownExtension& extension,
+                                                                        const MarkdownFontDescriptor& font) const;
     };
 
     [[nodiscard]] static std::vector<MarkdownEditorFragment> fragments(const std::vector<MarkdownInline>& inlines,
