@@ -12,7 +12,6 @@
 #include <QStringList>
 #include <QTextBlock>
 #include <algorithm>
-#include <cstring>
 
 namespace velmo::markdown {
 
@@ -46,8 +45,7 @@ MarkdownSourceRange wholeLines(QStringView text, MarkdownSourceRange range)
     return MarkdownSourceRange::fromBounds(int(first.start), int(last.end));
 }
 
-// What `after` has in place of `before` between their common start and common end. Whole
-// blocks are compared with memcmp first: a keystroke leaves a megabyte on either side.
+// What `after` has in place of `before` between their common start and common end.
 MarkdownSourceRange changed(QStringView before, QStringView after)
 {
     const chars::Difference d = chars::difference(before, after);
