@@ -3,7 +3,6 @@
 #include "MarkdownEngine/Core/TextCharacters.h"
 #include "MarkdownEngine/Parser/BlockTokenizer.h"
 
-#include <QSet>
 #include <algorithm>
 
 namespace velmo::markdown {
@@ -185,12 +184,6 @@ MarkdownDocument BlockReparser::reparse(MarkdownDocument&& old, const QString& t
         || (!old.linkDefinitions.isEmpty() && gapsHoldText(old, kept, oldEnd, start, oldStop)))
         return parseWhole();
 
-    QSet<QString> footnoteLabels;
-    for (auto it = old.footnoteDefinitions.cbegin(); it != old.footnoteDefinitions.cend(); ++it)
-        footnoteLabels.insert(it.key());
-    const InlineParser::Context context(text, old.linkDefinitions, footnoteLabels, old.options);
-    BlockTokenizer::attachInlines(region, context);
-
     // An unclosed opener among the replaced blocks hid whether the kept ones after it hold one;
     // the first kept line after the edit stands for them.
     int unclosed = old.unclosedOpenerAt;
@@ -204,6 +197,7 @@ MarkdownDocument BlockReparser::reparse(MarkdownDocument&& old, const QString& t
     document.linkDefinitions = std::move(old.linkDefinitions);
     document.footnoteDefinitions = std::move(old.footnoteDefinitions);
     document.unclosedOpenerAt = unclosed;
+    BlockTokenizer::attachInlines(region, document);
     document.blocks = std::move(old.blocks);
     std::vector<MarkdownBlock>& all = document.blocks;
     // One move of the tail, whichever run is longer.

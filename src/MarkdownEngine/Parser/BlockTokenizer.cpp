@@ -109,11 +109,7 @@ MarkdownDocument BlockTokenizer::document(const QString& text, const MarkdownPar
     document.footnoteDefinitions = std::move(tokenizer.m_footnoteDefinitions);
     document.linkDefinitions = std::move(tokenizer.m_linkDefinitions);
     document.unclosedOpenerAt = tokenizer.m_unclosedOpenerAt;
-    QSet<QString> footnoteLabels;
-    for (auto it = document.footnoteDefinitions.cbegin(); it != document.footnoteDefinitions.cend(); ++it)
-        footnoteLabels.insert(it.key());
-    const InlineParser::Context context(document.text, document.linkDefinitions, footnoteLabels, options);
-    attachInlines(document.blocks, context);
+    attachInlines(document.blocks, document);
     return document;
 }
 
@@ -677,6 +673,15 @@ void BlockTokenizer::attachQuoteMarkers(std::vector<MarkdownBlock>& blocks, cons
         if (!std::is_sorted(block.markerRanges.begin(), block.markerRanges.end(), byLocation))
             std::stable_sort(block.markerRanges.begin(), block.markerRanges.end(), byLocation);
     }
+}
+
+void BlockTokenizer::attachInlines(std::vector<MarkdownBlock>& blocks, const MarkdownDocument& definitions)
+{
+    QSet<QString> footnoteLabels;
+    for (auto it = definitions.footnoteDefinitions.cbegin(); it != definitions.footnoteDefinitions.cend(); ++it)
+        footnoteLabels.insert(it.key());
+    attachInlines(blocks, InlineParser::Context(definitions.text, definitions.linkDefinitions, footnoteLabels,
+                                                definitions.options));
 }
 
 void BlockTokenizer::attachInlines(std::vector<MarkdownBlock>& blocks, const InlineParser::Context& context)

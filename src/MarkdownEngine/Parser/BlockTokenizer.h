@@ -81,6 +81,8 @@ public:
     static void attachQuoteMarkers(std::vector<MarkdownBlock>& blocks, const std::vector<SourceLine>& lines,
                                    QStringView text);
     static void attachInlines(std::vector<MarkdownBlock>& blocks, const InlineParser::Context& context);
+    // With the text, definitions and options of `definitions`; its own blocks are not read.
+    static void attachInlines(std::vector<MarkdownBlock>& blocks, const MarkdownDocument& definitions);
 
     // Shared with the editing commands. `trimmed` means trimmed of tabs and Zs.
     [[nodiscard]] static std::optional<FenceMatch> fenceMarker(QStringView trimmed);
