@@ -14,7 +14,7 @@ MarkdownEditorFragmentStore::MarkdownEditorFragmentStore(std::vector<MarkdownEdi
     auto data = std::make_shared<Data>();
     std::vector<MarkdownEditorFragment>& ordered = data->fragments;
     const auto inOrder = [](const MarkdownEditorFragment& a, const MarkdownEditorFragment& b) {
-        return a.range.location != b.range.location ? a.range.location < b.range.location : a.priority < b.priority;
+        return OrderKey::of(a).precedes(OrderKey::of(b));
     };
     if (std::is_sorted(fragments.begin(), fragments.end(), inOrder)) {
         // The styler hands its fragments over in order: the stable sort would leave them be.
@@ -119,34 +119,25 @@ MarkdownEditorFragmentStore MarkdownEditorFragmentStore::splice(MarkdownEditorFr
 
     // The lists, made before any fragment moves: those of the old runs moved along, those of
     // the new fragments made.
-    Data listed;
-    Data* const lists = &listed;
-    lists->longest = before.longest;
-    lists->decorations.reserve(before.decorations.size() + 16);
-    lists->hitTargets.reserve(before.hitTargets.size() + 16);
-    lists->hiddenRanges.reserve(before.hiddenRanges.size() + 16);
-    lists->tileEnds.reserve(oldEnds.size() + 16);
+    Data lists;
+    lists.longest = before.longest;
+    lists.decorations.reserve(before.decorations.size() + 16);
+    lists.hitTargets.reserve(before.hitTargets.size() + 16);
+    lists.hiddenRanges.reserve(before.hiddenRanges.size() + 16);
+    lists.tileEnds.reserve(oldEnds.size() + 16);
     for (size_t k = 0; k < pieces.size(); ++k) {
         const Span& s = spans[k];
         if (!pieces[k].isNew) {
-            lists->listMoved(before, s.from, s.from + s.count, s.to, pieces[k].shift);
+            lists.listMoved(before, s.from, s.from + s.count, s.to, pieces[k].shift);
             for (size_t t = pieces[k].firstTile; t < pieces[k].endTile; ++t)
-                lists->tileEnds.push_back(oldEnds[t] + int(s.to) - int(s.from));
+                lists.tileEnds.push_back(oldEnds[t] + int(s.to) - int(s.from));
             continue;
         }
-        for (size_t j = 0; j < s.count; ++j) {
-            const MarkdownEditorFragment& f = pieces[k].fragments[j];
-            lists->longest = std::max(lists->longest, f.range.length);
-            if (f.isHidden)
-                lists->hide(f.range);
-            if (isDecoration(f.role))
-                lists->decorations.push_back(int(s.to + j));
-            if (isHitTarget(f.role))
-                lists->hitTargets.push_back(int(s.to + j));
-        }
+        for (size_t j = 0; j < s.count; ++j)
+            lists.list(pieces[k].fragments[j], int(s.to + j));
         int end = int(s.to);
         for (int size : pieces[k].tileSizes)
-            lists->tileEnds.push_back(end += size);
+            lists.tileEnds.push_back(end += size);
     }
 
     const bool unique = old.m_data && old.m_data.use_count() == 1;
@@ -208,11 +199,11 @@ MarkdownEditorFragmentStore MarkdownEditorFragmentStore::splice(MarkdownEditorFr
             }
         }
     }
-    data->hiddenRanges = std::move(lists->hiddenRanges);
-    data->decorations = std::move(lists->decorations);
-    data->hitTargets = std::move(lists->hitTargets);
-    data->longest = lists->longest;
-    data->tileEnds = std::move(lists->tileEnds);
+    data->hiddenRanges = std::move(lists.hiddenRanges);
+    data->decorations = std::move(lists.decorations);
+    data->hitTargets = std::move(lists.hitTargets);
+    data->longest = lists.longest;
+    data->tileEnds = std::move(lists.tileEnds);
     data->selection = std::move(selection);
     MarkdownEditorFragmentStore store;
     if (!data->fragments.empty())
@@ -229,12 +220,8 @@ MarkdownEditorFragmentStore::Builder::Builder(size_t expected)
 void MarkdownEditorFragmentStore::Builder::append(MarkdownEditorFragment&& fragment)
 {
     std::vector<MarkdownEditorFragment>& fragments = m_data->fragments;
-    if (m_inOrder && !fragments.empty()) {
-        const MarkdownEditorFragment& last = fragments.back();
-        if (fragment.range.location < last.range.location
-            || (fragment.range.location == last.range.location && fragment.priority < last.priority))
-            m_inOrder = false;
-    }
+    if (m_inOrder && !fragments.empty() && OrderKey::of(fragment).precedes(OrderKey::of(fragments.back())))
+        m_inOrder = false;
     // Listed while still at hand, before it moves.
     if (m_inOrder)
         m_data->list(fragment, int(fragments.size()));

@@ -60,11 +60,21 @@ public:
     // the order it was handed over, which keeps the sort stable.
     struct OrderKey {
         int location, priority, index;
+
+        // A fragment's key as it stands `shift` units further on.
+        static OrderKey of(const MarkdownEditorFragment& f, int shift = 0)
+        {
+            return {f.range.location + shift, f.priority, 0};
+        }
         bool operator<(const OrderKey& o) const
         {
-            return location != o.location ? location < o.location
-                : priority != o.priority  ? priority < o.priority
-                                          : index < o.index;
+            return precedes(o) || (location == o.location && priority == o.priority && index < o.index);
+        }
+        // Strictly before `o` by location and priority: two fragments tied there may not meet
+        // where runs of the store are put together.
+        bool precedes(const OrderKey& o) const
+        {
+            return location != o.location ? location < o.location : priority < o.priority;
         }
     };
 
