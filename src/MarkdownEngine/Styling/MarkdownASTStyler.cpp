@@ -242,11 +242,7 @@ MarkdownEditorFragment& MarkdownASTStyler::Tile::at(const MarkdownEditorFragment
 
 bool MarkdownASTStyler::Tile::follows(const MarkdownEditorFragment* last) const
 {
-    if (!last || keys.empty())
-        return true;
-    const MarkdownEditorFragmentStore::OrderKey& first = keys.front();
-    return last->range.location < first.location
-        || (last->range.location == first.location && last->priority < first.priority);
+    return !last || keys.empty() || MarkdownEditorFragmentStore::OrderKey::of(*last).precedes(keys.front());
 }
 
 void MarkdownASTStyler::styleTile(const BlockContext& context, size_t b, Tile& tile)
@@ -409,18 +405,8 @@ MarkdownASTStyler::selectionFragments(const Request& request, const std::vector<
         const MarkdownExtensionRegistry registry(config.extensions);
         const DirectiveRegistry directives = directiveRegistry(config);
         BlockContext context = makeContext(request, activeLines, registry, directives);
-        // Gutters are shared within a run of list items only (any other block ends every
-        // group), so the runs around the touched items give the same widths as the whole note.
-        for (size_t i : touched) {
-            if (!blocks[i].is<block_kind::ListItem>() || context.listGutters.contains(blocks[i].range.location))
-                continue;
-            size_t first = i, last = i;
-            while (first > 0 && blocks[first - 1].is<block_kind::ListItem>())
-                --first;
-            while (last + 1 < blocks.size() && blocks[last + 1].is<block_kind::ListItem>())
-                ++last;
-            context.listGutters.insert(listGutters(*request.document, first, last + 1, text, context.bodyFont));
-        }
+        for (size_t i : touched)
+            addRunGutters(context, i);
         for (size_t i : touched)
             style(blocks[i], context, out.fragments);
         for (size_t i : touched)
@@ -459,6 +445,22 @@ MarkdownASTStyler::selectionFragments(const Request& request, const std::vector<
             out.ranges.push_back(r);
     }
     return out;
+}
+
+void MarkdownASTStyler::addRunGutters(BlockContext& context, size_t i)
+{
+    // Gutters are shared within a run of list items only (any other block ends every group),
+    // so the run around an item gives the same widths as the whole note.
+    const MarkdownDocument& document = *context.request->document;
+    const std::vector<MarkdownBlock>& blocks = document.blocks;
+    if (!blocks[i].is<block_kind::ListItem>() || context.listGutters.contains(blocks[i].range.location))
+        return;
+    size_t first = i, last = i + 1;
+    while (first > 0 && blocks[first - 1].is<block_kind::ListItem>())
+        --first;
+    while (last < blocks.size() && blocks[last].is<block_kind::ListItem>())
+        ++last;
+    context.listGutters.insert(listGutters(document, first, last, *context.text, context.bodyFont));
 }
 
 QHash<int, double> MarkdownASTStyler::listGutters(const Request& request, const QString& text,

@@ -150,6 +150,9 @@ private:
     // Every block's fragments and the tags, appended to `into` in the store's order; false
     // (with `into` part filled) when the blocks' fragments do not follow one another.
     static bool styleInStoreOrder(const BlockContext& context, MarkdownEditorFragmentStore::Builder& into);
+    // Adds the gutters of the list run holding block i, when it is a list item whose run's
+    // are not in yet.
+    static void addRunGutters(BlockContext& context, size_t i);
     static QHash<int, double> listGutters(const MarkdownDocument& document, size_t first, size_t last,
                                           const QString& text, const MarkdownFontDescriptor& font);
     static void styleQuote(const MarkdownBlock& block, MarkdownTextAttributes base, const BlockContext& context,

@@ -117,28 +117,18 @@ MarkdownASTStyler::Result MarkdownASTStyler::restyle(const Request& request, Mar
     const DirectiveRegistry directives = directiveRegistry(config);
     BlockContext context = makeContext(request, activeLines, registry, directives);
     for (size_t i = 0; i < count; ++i) {
-        if (!marked[i] || !isListItem(blocks[i]) || context.listGutters.contains(blocks[i].range.location))
-            continue;
-        size_t first = i, last = i + 1;
-        while (first > 0 && isListItem(blocks[first - 1]))
-            --first;
-        while (last < count && isListItem(blocks[last]))
-            ++last;
-        context.listGutters.insert(listGutters(*request.document, first, last, text, context.bodyFont));
+        if (marked[i])
+            addRunGutters(context, i);
     }
 
     std::vector<MarkdownEditorFragmentStore::Piece> pieces;
     size_t styled = 0;
     Tile tile;
     // The last fragment so far, where it ends up, to check the order where tiles meet.
-    std::optional<MarkdownEditorFragmentStore::OrderKey> lastSoFar;
+    using Key = MarkdownEditorFragmentStore::OrderKey;
+    std::optional<Key> lastSoFar;
     const auto follows = [&lastSoFar](const MarkdownEditorFragment& first, int shift) {
-        const int location = first.range.location + shift;
-        return !lastSoFar || lastSoFar->location < location
-            || (lastSoFar->location == location && lastSoFar->priority < first.priority);
-    };
-    const auto keyOf = [](const MarkdownEditorFragment& f, int shift) {
-        return MarkdownEditorFragmentStore::OrderKey{f.range.location + shift, f.priority, 0};
+        return !lastSoFar || lastSoFar->precedes(Key::of(first, shift));
     };
     for (size_t i = 0; i < count;) {
         size_t end = i + 1;
@@ -159,7 +149,7 @@ MarkdownASTStyler::Result MarkdownASTStyler::restyle(const Request& request, Mar
                 piece.tileSizes.push_back(int(tile.keys.size()));
             }
             if (!piece.fragments.empty())
-                lastSoFar = keyOf(piece.fragments.back(), 0);
+                lastSoFar = Key::of(piece.fragments.back());
         } else {
             piece.firstTile = oldIndex(i);
             piece.endTile = oldIndex(end - 1) + 1;
@@ -168,7 +158,7 @@ MarkdownASTStyler::Result MarkdownASTStyler::restyle(const Request& request, Mar
             if (first < last) {
                 if (!follows(oldFragments[first], piece.shift))
                     return style(request);
-                lastSoFar = keyOf(oldFragments[last - 1], piece.shift);
+                lastSoFar = Key::of(oldFragments[last - 1], piece.shift);
             }
         }
         pieces.push_back(std::move(piece));
