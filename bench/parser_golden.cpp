@@ -22,18 +22,18 @@ static QString dumpDoc(const MarkdownDocument& d)
             o += " I" + QString::number(n.kind.index()) + ' ';
             r(o, n.range); r(o, n.contentRange);
             for (auto m : n.markerRanges) r(o, m);
-            o += 'c' + QString::number(n.children.size());
+            o += 'c' + QString::number(n.children().size());
             using namespace inline_kind;
             if (auto p = n.as<Escape>()) o += QString::number(p->character);
-            if (auto p = n.as<Code>()) { s(o, p->language); o += p->hasLanguage ? '1' : '0'; }
+            if (auto p = n.as<Code>()) { s(o, b.inlines.string(d.text, p->language)); o += p->hasLanguage ? '1' : '0'; }
             if (auto p = n.as<Emphasis>()) o += QString::number(int(p->emphasis));
-            if (auto p = n.as<Link>()) { s(o, p->destination); s(o, p->title); o += p->hasDestination ? '1' : '0'; o += p->hasTitle ? '1' : '0'; }
-            if (auto p = n.as<WikiLink>()) { s(o, p->target); s(o, p->display); }
-            if (auto p = n.as<Image>()) { s(o, p->source); s(o, p->alt); o += p->isEmbed ? '1' : '0'; }
-            if (auto p = n.as<Latex>()) { s(o, p->source); o += p->isBlock ? '1' : '0'; }
-            if (auto p = n.as<FootnoteReference>()) s(o, p->label);
-            if (auto p = n.as<Html>()) s(o, p->source);
-            if (auto p = n.as<ExtensionSpan>()) s(o, p->name);
+            if (auto p = n.as<Link>()) { s(o, b.inlines.string(d.text, p->destination)); s(o, b.inlines.string(d.text, p->title)); o += p->hasDestination ? '1' : '0'; o += p->hasTitle ? '1' : '0'; }
+            if (auto p = n.as<WikiLink>()) { s(o, b.inlines.string(d.text, p->target)); s(o, b.inlines.string(d.text, p->display)); }
+            if (auto p = n.as<Image>()) { s(o, b.inlines.string(d.text, p->source)); s(o, b.inlines.string(d.text, p->alt)); o += p->isEmbed ? '1' : '0'; }
+            if (auto p = n.as<Latex>()) { s(o, b.inlines.string(d.text, p->source)); o += p->isBlock ? '1' : '0'; }
+            if (auto p = n.as<FootnoteReference>()) s(o, b.inlines.string(d.text, p->label));
+            if (auto p = n.as<Html>()) s(o, b.inlines.string(d.text, p->source));
+            if (auto p = n.as<ExtensionSpan>()) s(o, b.inlines.string(d.text, p->name));
             o += '\n';
         });
     }

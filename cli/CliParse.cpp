@@ -173,38 +173,40 @@ const char* inlineKindName(const MarkdownInlineKind& kind)
     return names[kind.index()];
 }
 
-void addInlineKind(QJsonObject& object, const MarkdownInlineKind& kind)
+void addInlineKind(QJsonObject& object, const MarkdownInlineKind& kind, const MarkdownInlineList& list,
+                   QStringView text)
 {
     object.insert("kind", inlineKindName(kind));
+    const auto string = [&](MarkdownInlineText payload) { return list.string(text, payload); };
     std::visit(
-        [&object](const auto& k) {
+        [&](const auto& k) {
             using K = std::decay_t<decltype(k)>;
             if constexpr (std::is_same_v<K, inline_kind::Escape>) {
                 object.insert("character", character(k.character));
             } else if constexpr (std::is_same_v<K, inline_kind::Code>) {
-                object.insert("language", optionalString(k.language, k.hasLanguage));
+                object.insert("language", optionalString(string(k.language), k.hasLanguage));
             } else if constexpr (std::is_same_v<K, inline_kind::Emphasis>) {
                 static constexpr const char* names[] = {"italic", "bold", "boldItalic"};
                 object.insert("emphasis", names[int(k.emphasis)]);
             } else if constexpr (std::is_same_v<K, inline_kind::Link>) {
-                object.insert("destination", optionalString(k.destination, k.hasDestination));
-                object.insert("title", optionalString(k.title, k.hasTitle));
+                object.insert("destination", optionalString(string(k.destination), k.hasDestination));
+                object.insert("title", optionalString(string(k.title), k.hasTitle));
             } else if constexpr (std::is_same_v<K, inline_kind::WikiLink>) {
-                object.insert("target", k.target);
-                object.insert("display", k.display);
+                object.insert("target", string(k.target));
+                object.insert("display", string(k.display));
             } else if constexpr (std::is_same_v<K, inline_kind::Image>) {
-                object.insert("source", k.source);
-                object.insert("alt", k.alt);
+                object.insert("source", string(k.source));
+                object.insert("alt", string(k.alt));
                 object.insert("isEmbed", k.isEmbed);
             } else if constexpr (std::is_same_v<K, inline_kind::Latex>) {
-                object.insert("source", k.source);
+                object.insert("source", string(k.source));
                 object.insert("isBlock", k.isBlock);
             } else if constexpr (std::is_same_v<K, inline_kind::FootnoteReference>) {
-                object.insert("label", k.label);
+                object.insert("label", string(k.label));
             } else if constexpr (std::is_same_v<K, inline_kind::Html>) {
-                object.insert("source", k.source);
+                object.insert("source", string(k.source));
             } else if constexpr (std::is_same_v<K, inline_kind::ExtensionSpan>) {
-                object.insert("name", k.name);
+                object.insert("name", string(k.name));
             }
         },
         kind);
@@ -212,15 +214,15 @@ void addInlineKind(QJsonObject& object, const MarkdownInlineKind& kind)
 
 // Inline trees can nest tens of thousands deep: they are written as they are walked, with an
 // explicit stack, never through nested JSON values (whose writer recurses).
-void writeInlines(QByteArray& out, const std::vector<MarkdownInline>& roots)
+void writeInlines(QByteArray& out, const MarkdownInlineList& roots, QStringView text)
 {
     struct Frame {
         const MarkdownInline* node;
         size_t next;
     };
-    const auto fields = [](const MarkdownInline& node) {
+    const auto fields = [&](const MarkdownInline& node) {
         QJsonObject object;
-        addInlineKind(object, node.kind);
+        addInlineKind(object, node.kind, roots, text);
         object.insert("range", rangeJson(node.range));
         object.insert("contentRange", rangeJson(node.contentRange));
         object.insert("markerRanges", rangesJson(node.markerRanges));
@@ -236,8 +238,8 @@ void writeInlines(QByteArray& out, const std::vector<MarkdownInline>& roots)
         out += fields(roots[i]) + ",\"children\":[";
         while (!stack.empty()) {
             Frame& top = stack.back();
-            if (top.next < top.node->children.size()) {
-                const MarkdownInline& child = top.node->children[top.next];
+            if (top.next < top.node->children().size()) {
+                const MarkdownInline& child = top.node->children()[top.next];
                 if (top.next++)
                     out += ',';
                 out += fields(child) + ",\"children\":[";
@@ -251,7 +253,7 @@ void writeInlines(QByteArray& out, const std::vector<MarkdownInline>& roots)
     out += ']';
 }
 
-void writeBlock(QByteArray& out, const MarkdownBlock& block)
+void writeBlock(QByteArray& out, const MarkdownBlock& block, QStringView text)
 {
     QJsonObject object;
     addKind(object, block.kind);
@@ -263,13 +265,13 @@ void writeBlock(QByteArray& out, const MarkdownBlock& block)
     QByteArray json = QJsonDocument(object).toJson(QJsonDocument::Compact);
     json.chop(1);
     out += json + ",\"inlines\":";
-    writeInlines(out, block.inlines);
+    writeInlines(out, block.inlines, text);
     if (!block.children.empty()) {
         out += ",\"children\":[";
         for (size_t i = 0; i < block.children.size(); ++i) {
             if (i)
                 out += ',';
-            writeBlock(out, block.children[i]);
+            writeBlock(out, block.children[i], text);
         }
         out += ']';
     }
@@ -345,7 +347,7 @@ int runParse(const QStringList& arguments)
     for (size_t i = 0; i < document.blocks.size(); ++i) {
         if (i)
             out += ',';
-        writeBlock(out, document.blocks[i]);
+        writeBlock(out, document.blocks[i], document.text);
     }
     out += "],\"linkDefinitions\":" + QJsonDocument(links).toJson(QJsonDocument::Compact);
     out += ",\"footnoteDefinitions\":" + QJsonDocument(footnotes).toJson(QJsonDocument::Compact) + "}\n";

@@ -21,14 +21,14 @@ bool within(MarkdownSourceRange inner, MarkdownSourceRange outer)
 }
 
 // Levels are checked with a worklist: fuzzed input nests deep.
-void checkTree(const std::vector<MarkdownInline>& top, MarkdownSourceRange range)
+void checkTree(std::span<const MarkdownInline> top, MarkdownSourceRange range)
 {
-    std::vector<std::pair<const std::vector<MarkdownInline>*, MarkdownSourceRange>> pending{{&top, range}};
+    std::vector<std::pair<std::span<const MarkdownInline>, MarkdownSourceRange>> pending{{top, range}};
     while (!pending.empty()) {
         const auto [inlines, over] = pending.back();
         pending.pop_back();
         int cursor = over.location;
-        for (const MarkdownInline& node : *inlines) {
+        for (const MarkdownInline& node : inlines) {
             fuzzCheck(node.range.location == cursor, "inlines tile their range");
             fuzzCheck(node.range.length > 0, "no empty inline");
             fuzzCheck(within(node.contentRange, node.range), "content inside the node");
@@ -38,8 +38,8 @@ void checkTree(const std::vector<MarkdownInline>& top, MarkdownSourceRange range
                 fuzzCheck(node.contentRange == node.range && node.markerRanges.isEmpty(), "text is bare");
             const bool parsesContent = node.is<inline_kind::Emphasis>() || node.is<inline_kind::Strikethrough>()
                 || node.is<inline_kind::Highlight>() || (node.is<inline_kind::Link>() && node.markerRanges.size() > 2);
-            if (parsesContent || !node.children.empty())
-                pending.emplace_back(&node.children, node.contentRange);
+            if (parsesContent || node.hasChildren())
+                pending.emplace_back(node.children(), node.contentRange);
             cursor = node.range.upperBound();
         }
         fuzzCheck(cursor == over.upperBound(), "inlines end with their range");
@@ -67,7 +67,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const QSet<QString> labels;
     const InlineParser::Context context(text, links, labels, options);
     const MarkdownSourceRange range = MarkdownSourceRange::fromBounds(start, end);
-    const std::vector<MarkdownInline> inlines = InlineParser::parse(range, context);
+    const MarkdownInlineList inlines = InlineParser::parse(range, context);
     const MarkdownSourceRange clipped = range.intersection({0, length});
     if (clipped.length < 1) {
         fuzzCheck(inlines.empty(), "nothing outside the text");

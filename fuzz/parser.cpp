@@ -44,31 +44,35 @@ void appendRange(QString& out, MarkdownSourceRange r)
     out += QString::number(r.location) + u'+' + QString::number(r.length) + u' ';
 }
 
-QString payload(const MarkdownInlineKind& kind)
+QString payload(const MarkdownInlineKind& kind, const MarkdownInlineList& list, QStringView text)
 {
+    const auto s = [&](MarkdownInlineText payload) {
+        fuzzCheck(payload.isOwned() || inside(payload.range(), int(text.size())), "payload text inside the text");
+        return list.string(text, payload);
+    };
     return std::visit(
-        [](const auto& k) -> QString {
+        [&](const auto& k) -> QString {
             using K = std::decay_t<decltype(k)>;
             if constexpr (std::is_same_v<K, inline_kind::Escape>)
                 return QString(QChar(k.character));
             else if constexpr (std::is_same_v<K, inline_kind::Code>)
-                return k.language + QString::number(k.hasLanguage);
+                return s(k.language) + QString::number(k.hasLanguage);
             else if constexpr (std::is_same_v<K, inline_kind::Emphasis>)
                 return QString::number(int(k.emphasis));
             else if constexpr (std::is_same_v<K, inline_kind::Link>)
-                return k.destination + u'\x1f' + k.title + QString::number(k.hasDestination + 2 * k.hasTitle);
+                return s(k.destination) + u'\x1f' + s(k.title) + QString::number(k.hasDestination + 2 * k.hasTitle);
             else if constexpr (std::is_same_v<K, inline_kind::WikiLink>)
-                return k.target + u'\x1f' + k.display;
+                return s(k.target) + u'\x1f' + s(k.display);
             else if constexpr (std::is_same_v<K, inline_kind::Image>)
-                return k.source + u'\x1f' + k.alt + QString::number(k.isEmbed);
+                return s(k.source) + u'\x1f' + s(k.alt) + QString::number(k.isEmbed);
             else if constexpr (std::is_same_v<K, inline_kind::Latex>)
-                return k.source + QString::number(k.isBlock);
+                return s(k.source) + QString::number(k.isBlock);
             else if constexpr (std::is_same_v<K, inline_kind::FootnoteReference>)
-                return k.label;
+                return s(k.label);
             else if constexpr (std::is_same_v<K, inline_kind::Html>)
-                return k.source;
+                return s(k.source);
             else if constexpr (std::is_same_v<K, inline_kind::ExtensionSpan>)
-                return k.name;
+                return s(k.name);
             else
                 return {};
         },
@@ -76,23 +80,24 @@ QString payload(const MarkdownInlineKind& kind)
 }
 
 // Checks one block's inlines and writes them into the dump.
-void walkInlines(const MarkdownBlock& block, int size, QString& dump)
+void walkInlines(const MarkdownBlock& block, QStringView text, QString& dump)
 {
+    const int size = int(text.size());
     for (const MarkdownInline& root : block.inlines) {
         root.forEach([&](const MarkdownInline& node) {
             fuzzCheck(inside(node.range, size), "inline range inside the text");
             fuzzCheck(inside(node.contentRange, size), "inline content inside the text");
             for (const MarkdownSourceRange& marker : node.markerRanges)
                 fuzzCheck(inside(marker, size), "inline marker inside the text");
-            for (const MarkdownInline& child : node.children)
+            for (const MarkdownInline& child : node.children())
                 fuzzCheck(node.range.location <= child.range.location && child.range.upperBound() <= node.range.upperBound(),
                       "child inside its parent");
-            dump += QString::number(node.kind.index()) + u':' + payload(node.kind) + u' ';
+            dump += QString::number(node.kind.index()) + u':' + payload(node.kind, block.inlines, text) + u' ';
             appendRange(dump, node.range);
             appendRange(dump, node.contentRange);
             for (const MarkdownSourceRange& marker : node.markerRanges)
                 appendRange(dump, marker);
-            dump += QString::number(node.children.size()) + u'\n';
+            dump += QString::number(node.children().size()) + u'\n';
         });
     }
 }
@@ -146,7 +151,7 @@ QString verify(const MarkdownDocument& document)
         for (const MarkdownSourceRange& marker : block.markerRanges)
             appendRange(dump, marker);
         dump += QString::number(block.quoteDepth) + u' ' + QString::number(block.listDepth) + u'\n';
-        walkInlines(block, size, dump);
+        walkInlines(block, document.text, dump);
     }
     return dump;
 }

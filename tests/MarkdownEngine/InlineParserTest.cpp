@@ -30,35 +30,36 @@ QString sourceOf(const QString& text, MarkdownSourceRange range)
     return text.mid(range.location, range.length);
 }
 
-QString dump(const std::vector<MarkdownInline>& inlines, const QString& text);
+QString dump(const MarkdownInlineList& list, std::span<const MarkdownInline> inlines, const QString& text);
 
-QString dumpOne(const MarkdownInline& node, const QString& text)
+QString dumpOne(const MarkdownInlineList& list, const MarkdownInline& node, const QString& text)
 {
-    const QString children = node.children.empty() ? QString() : QStringLiteral("{%1}").arg(dump(node.children, text));
+    const QString children = node.hasChildren() ? QStringLiteral("{%1}").arg(dump(list, node.children(), text)) : QString();
+    const auto str = [&](MarkdownInlineText payload) { return list.string(text, payload); };
     if (node.is<inline_kind::Text>())
         return QLatin1Char('"') + sourceOf(text, node.range) + QLatin1Char('"');
     if (const auto* escape = node.as<inline_kind::Escape>())
         return QStringLiteral("\\") + QChar(escape->character);
     if (const auto* code = node.as<inline_kind::Code>())
-        return QStringLiteral("code(%1)\"%2\"").arg(code->hasLanguage ? code->language : QStringLiteral("-"),
+        return QStringLiteral("code(%1)\"%2\"").arg(code->hasLanguage ? str(code->language) : QStringLiteral("-"),
                                                    sourceOf(text, node.contentRange));
     if (const auto* emphasis = node.as<inline_kind::Emphasis>()) {
         const char* names[] = {"em", "strong", "strongem"};
         return QLatin1String(names[int(emphasis->emphasis)]) + children;
     }
     if (const auto* link = node.as<inline_kind::Link>())
-        return QStringLiteral("link(%1%2)").arg(link->destination, link->hasTitle ? "|" + link->title : QString())
+        return QStringLiteral("link(%1%2)").arg(str(link->destination), link->hasTitle ? "|" + str(link->title) : QString())
             + children;
     if (const auto* wiki = node.as<inline_kind::WikiLink>())
-        return QStringLiteral("wiki(%1|%2)").arg(wiki->target, wiki->display);
+        return QStringLiteral("wiki(%1|%2)").arg(str(wiki->target), str(wiki->display));
     if (const auto* image = node.as<inline_kind::Image>())
-        return QStringLiteral("img(%1|%2%3)").arg(image->source, image->alt, image->isEmbed ? "|embed" : "");
+        return QStringLiteral("img(%1|%2%3)").arg(str(image->source), str(image->alt), image->isEmbed ? "|embed" : "");
     if (const auto* latex = node.as<inline_kind::Latex>())
-        return QStringLiteral("%1\"%2\"").arg(latex->isBlock ? "Math" : "math", latex->source);
+        return QStringLiteral("%1\"%2\"").arg(latex->isBlock ? "Math" : "math", str(latex->source));
     if (const auto* footnote = node.as<inline_kind::FootnoteReference>())
-        return QStringLiteral("fn(%1)").arg(footnote->label);
+        return QStringLiteral("fn(%1)").arg(str(footnote->label));
     if (const auto* html = node.as<inline_kind::Html>())
-        return QStringLiteral("html\"%1\"").arg(html->source);
+        return QStringLiteral("html\"%1\"").arg(str(html->source));
     if (node.is<inline_kind::Strikethrough>())
         return QStringLiteral("del") + children;
     if (node.is<inline_kind::Highlight>())
@@ -66,17 +67,22 @@ QString dumpOne(const MarkdownInline& node, const QString& text)
     return QStringLiteral("?");
 }
 
-QString dump(const std::vector<MarkdownInline>& inlines, const QString& text)
+QString dump(const MarkdownInlineList& list, std::span<const MarkdownInline> inlines, const QString& text)
 {
     QStringList parts;
     for (const MarkdownInline& node : inlines)
-        parts << dumpOne(node, text);
+        parts << dumpOne(list, node, text);
     return parts.join(QLatin1Char(' '));
+}
+
+QString dump(const MarkdownInlineList& list, const QString& text)
+{
+    return dump(list, list.top(), text);
 }
 
 // The invariants every parse keeps: inlines partition the range they came from, children
 // partition their parent's content, and every range stays inside its parent.
-void expectPartition(const std::vector<MarkdownInline>& inlines, MarkdownSourceRange range, const QString& context)
+void expectPartition(std::span<const MarkdownInline> inlines, MarkdownSourceRange range, const QString& context)
 {
     int cursor = range.location;
     for (const MarkdownInline& node : inlines) {
@@ -92,8 +98,8 @@ void expectPartition(const std::vector<MarkdownInline>& inlines, MarkdownSourceR
         if (node.is<inline_kind::Text>()) {
             EXPECT_EQ(node.contentRange, node.range) << context.toStdString();
         }
-        if (!node.children.empty() || node.is<inline_kind::Emphasis>()) {
-            expectPartition(node.children, node.contentRange, context);
+        if (node.hasChildren() || node.is<inline_kind::Emphasis>()) {
+            expectPartition(node.children(), node.contentRange, context);
         }
     }
     ASSERT_EQ(cursor, range.upperBound()) << context.toStdString();
@@ -116,7 +122,7 @@ QString parsed(const QString& text, const MarkdownParseOptions& options = {})
     const QSet<QString> labels;
     const InlineParser::Context context(text, links, labels, options);
     const MarkdownSourceRange range{0, int(text.size())};
-    const std::vector<MarkdownInline> inlines = InlineParser::parse(range, context);
+    const MarkdownInlineList inlines = InlineParser::parse(range, context);
     expectPartition(inlines, range, text);
     return dump(inlines, text);
 }
@@ -238,10 +244,10 @@ TEST(InlineParser, imageMarkers)
     const InlineParser::Context context(text);
     const auto inlines = InlineParser::parse({0, 7}, context);
     ASSERT_EQ(inlines.size(), 1u);
-    const MarkdownMarkerRanges expected{{0, 2}, {1, 1}, {3, 1}, {4, 3}};
+    const MarkdownInlineMarkers expected{{0, 2}, {1, 1}, {3, 1}, {4, 3}};
     EXPECT_EQ(inlines[0].markerRanges, expected);
     EXPECT_EQ(inlines[0].contentRange, (MarkdownSourceRange{2, 1}));
-    EXPECT_TRUE(inlines[0].children.empty());
+    EXPECT_FALSE(inlines[0].hasChildren());
 }
 
 TEST(InlineParser, wikiLinksAndFootnotes)
@@ -410,15 +416,16 @@ TEST(InlineParser, deepNestingFitsAWorkerThreadStack)
         size_t nodeCount = 0;
         std::unique_ptr<QThread> thread(QThread::create([&] {
             const InlineParser::Context context(text);
-            std::vector<MarkdownInline> inlines = InlineParser::parse({0, int(text.size())}, context);
+            MarkdownInlineList inlines = InlineParser::parse({0, int(text.size())}, context);
             for (const MarkdownInline& top : inlines) {
                 top.forEach([&](const MarkdownInline&) { ++nodeCount; });
                 // Follow the last child that has children of its own.
                 int level = 1;
                 for (const MarkdownInline* node = &top;; ++level) {
-                    const auto next = std::find_if(node->children.rbegin(), node->children.rend(),
-                                                   [](const MarkdownInline& child) { return !child.children.empty(); });
-                    if (next == node->children.rend())
+                    const std::span<const MarkdownInline> children = node->children();
+                    const auto next = std::find_if(children.rbegin(), children.rend(),
+                                                   [](const MarkdownInline& child) { return child.hasChildren(); });
+                    if (next == children.rend())
                         break;
                     node = &*next;
                 }

@@ -94,20 +94,26 @@ TEST(MarkdownSourceEditorState, selectionQueries)
     EXPECT_TRUE(MarkdownSourceEditorState::none().isEmpty());
 }
 
-TEST(MarkdownDocument, deepTreesCopyWalkAndFreeWithoutRecursion)
+TEST(MarkdownDocument, deepTreesBuildCopyAndWalkWithoutRecursion)
 {
     // A 100,000-deep chain on a 512 KB worker stack: recursion per level could not survive it.
     int visited = 0;
     size_t copiedChildren = 0;
     std::unique_ptr<QThread> worker(QThread::create([&] {
-        MarkdownInline root(inline_kind::Emphasis{}, {0, 1});
-        MarkdownInline* node = &root;
-        for (int depth = 0; depth < 100'000; ++depth)
-            node = &node->children.emplace_back(inline_kind::Emphasis{}, MarkdownSourceRange{0, 1});
-        MarkdownInline copy = root;
-        copy.forEach([&visited](const MarkdownInline&) { ++visited; });
-        copy = root;
-        copiedChildren = copy.children.size();
+        MarkdownInlineList::Builder builder;
+        std::vector<MarkdownInline> level;
+        level.emplace_back(inline_kind::Emphasis{}, MarkdownSourceRange{0, 1});
+        for (int depth = 0; depth < 100'000; ++depth) {
+            MarkdownInline parent(inline_kind::Emphasis{}, {0, 1});
+            builder.adopt(parent, level);
+            level.push_back(std::move(parent));
+        }
+        builder.top().push_back(std::move(level.front()));
+        const MarkdownInlineList list = builder.take();
+        MarkdownInlineList copy = list;
+        copy = list;
+        copy[0].forEach([&visited](const MarkdownInline&) { ++visited; });
+        copiedChildren = copy[0].children().size();
     }));
     worker->setStackSize(512 * 1024);
     worker->start();

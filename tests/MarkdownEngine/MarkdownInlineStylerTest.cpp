@@ -54,6 +54,7 @@ std::vector<MarkdownEditorFragment> inlineFragments(const QString& text, int car
     env.revealsFormula = MarkdownASTStyler::formulaVisibility(request);
     env.attachments = &factory;
     env.maximumEmbedWidth = 600;
+    env.note = document.text;
     std::vector<MarkdownEditorFragment> out;
     for (const auto& block : document.blocks) {
         auto more = MarkdownInlineStyler::fragments(block.inlines, env);

@@ -1,7 +1,8 @@
 #pragma once
 
 #include "MarkdownEngine/Core/MarkdownBlockKind.h"
-#include "MarkdownEngine/Core/MarkdownInline.h"
+#include "MarkdownEngine/Core/MarkdownInlineList.h"
+#include "MarkdownEngine/Core/MarkdownMarkerRanges.h"
 #include "MarkdownEngine/Core/MarkdownSourceRange.h"
 
 #include <optional>
@@ -22,7 +23,7 @@ struct MarkdownBlock {
     // its trimmed line, not a document offset.
     MarkdownMarkerRanges markerRanges;
     std::vector<MarkdownBlock> children; // always empty from the tokenizer; walkers still recurse
-    std::vector<MarkdownInline> inlines;
+    MarkdownInlineList inlines;
     int quoteDepth = 0; // of the block's first line
     int listDepth = 0;  // list items: indent / 2
 

@@ -82,20 +82,20 @@ MarkdownTextStatistics MarkdownDocument::statistics(MarkdownSourceRange range, b
 std::vector<MarkdownDocument::WikiLinkReference> MarkdownDocument::wikiLinks() const
 {
     std::vector<WikiLinkReference> links;
-    for (const MarkdownInline* node : inlines()) {
-        if (const auto* link = node->as<inline_kind::WikiLink>())
-            links.push_back({link->target, link->display, node->range});
-    }
+    forEachInline([&](const MarkdownInlineList& list, const MarkdownInline& node) {
+        if (const auto* link = node.as<inline_kind::WikiLink>())
+            links.push_back({list.string(text, link->target), list.string(text, link->display), node.range});
+    });
     return links;
 }
 
 QStringList MarkdownDocument::footnoteReferences() const
 {
     QStringList labels;
-    for (const MarkdownInline* node : inlines()) {
-        if (const auto* reference = node->as<inline_kind::FootnoteReference>())
-            labels.append(reference->label);
-    }
+    forEachInline([&](const MarkdownInlineList& list, const MarkdownInline& node) {
+        if (const auto* reference = node.as<inline_kind::FootnoteReference>())
+            labels.append(list.string(text, reference->label));
+    });
     return labels;
 }
 
@@ -117,7 +117,7 @@ bool MarkdownDocument::hasSameTree(const MarkdownDocument& other) const
     std::vector<const MarkdownInline*> a = inlines(), b = other.inlines();
     return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const MarkdownInline* x, const MarkdownInline* y) {
         return x->kind == y->kind && x->range == y->range && x->contentRange == y->contentRange
-            && x->markerRanges == y->markerRanges && x->children.size() == y->children.size();
+            && x->markerRanges == y->markerRanges && x->children().size() == y->children().size();
     });
 }
 

@@ -50,6 +50,17 @@ struct MarkdownDocument {
             block.forEach(visit);
     }
 
+    // Every inline of every block with the list that holds it, in document order: a parent
+    // before its children.
+    template<typename Visit>
+    void forEachInline(Visit&& visit) const
+    {
+        forEachBlock([&visit](const MarkdownBlock& block) {
+            for (const MarkdownInline& top : block.inlines)
+                top.forEach([&](const MarkdownInline& node) { visit(block.inlines, node); });
+        });
+    }
+
     // Every inline of every block, nested ones included, by location; a parent stands before
     // its first child. Pointers into this document.
     [[nodiscard]] std::vector<const MarkdownInline*> inlines() const;

@@ -12,33 +12,34 @@ QString source(QStringView text, MarkdownSourceRange range)
     return text.mid(clipped.location, clipped.length).toString();
 }
 
-MarkdownInlineNodeKind converted(const MarkdownInline& node, QStringView text)
+MarkdownInlineNodeKind converted(const MarkdownInline& node, const MarkdownInlineList& list, QStringView text)
 {
     const QString content = source(text, node.contentRange);
+    const auto string = [&](MarkdownInlineText payload) { return list.string(text, payload); };
     return std::visit(
         [&](const auto& kind) -> MarkdownInlineNodeKind {
             using Kind = std::decay_t<decltype(kind)>;
             if constexpr (std::is_same_v<Kind, inline_kind::Escape>)
                 return inline_node::Escape{kind.character};
             else if constexpr (std::is_same_v<Kind, inline_kind::Code>)
-                return inline_node::Code{kind.hasLanguage ? std::optional(kind.language) : std::nullopt, content};
+                return inline_node::Code{kind.hasLanguage ? std::optional(string(kind.language)) : std::nullopt, content};
             else if constexpr (std::is_same_v<Kind, inline_kind::Emphasis>)
                 return inline_node::Emphasis{kind.emphasis};
             else if constexpr (std::is_same_v<Kind, inline_kind::Link>)
-                return inline_node::Link{kind.hasDestination ? std::optional(kind.destination) : std::nullopt,
-                                         kind.hasTitle ? std::optional(kind.title) : std::nullopt};
+                return inline_node::Link{kind.hasDestination ? std::optional(string(kind.destination)) : std::nullopt,
+                                         kind.hasTitle ? std::optional(string(kind.title)) : std::nullopt};
             else if constexpr (std::is_same_v<Kind, inline_kind::WikiLink>)
-                return inline_node::WikiLink{kind.target, kind.display};
+                return inline_node::WikiLink{string(kind.target), string(kind.display)};
             else if constexpr (std::is_same_v<Kind, inline_kind::Image>)
-                return inline_node::Image{kind.source, kind.alt, kind.isEmbed};
+                return inline_node::Image{string(kind.source), string(kind.alt), kind.isEmbed};
             else if constexpr (std::is_same_v<Kind, inline_kind::Latex>)
-                return inline_node::Latex{kind.source, kind.isBlock};
+                return inline_node::Latex{string(kind.source), kind.isBlock};
             else if constexpr (std::is_same_v<Kind, inline_kind::FootnoteReference>)
-                return inline_node::FootnoteReference{kind.label};
+                return inline_node::FootnoteReference{string(kind.label)};
             else if constexpr (std::is_same_v<Kind, inline_kind::Html>)
-                return inline_node::Html{kind.source};
+                return inline_node::Html{string(kind.source)};
             else if constexpr (std::is_same_v<Kind, inline_kind::ExtensionSpan>)
-                return inline_node::ExtensionSpan{kind.name};
+                return inline_node::ExtensionSpan{string(kind.name)};
             else if constexpr (std::is_same_v<Kind, inline_kind::Text>)
                 return inline_node::Text{source(text, node.range)};
             else if constexpr (std::is_same_v<Kind, inline_kind::Strikethrough>)
@@ -108,22 +109,22 @@ bool operator==(const MarkdownInlineNode& a, const MarkdownInlineNode& b)
     return true;
 }
 
-std::vector<MarkdownInlineNode> MarkdownInlineNode::from(const std::vector<MarkdownInline>& inlines, QStringView text)
+std::vector<MarkdownInlineNode> MarkdownInlineNode::from(const MarkdownInlineList& inlines, QStringView text)
 {
     std::vector<MarkdownInlineNode> result;
     // Each destination vector is sized before pointers into it are taken, so they stay valid.
-    std::vector<std::pair<const std::vector<MarkdownInline>*, std::vector<MarkdownInlineNode>*>> pending{
-        {&inlines, &result}};
+    std::vector<std::pair<std::span<const MarkdownInline>, std::vector<MarkdownInlineNode>*>> pending{
+        {inlines.top(), &result}};
     while (!pending.empty()) {
         const auto [from, into] = pending.back();
         pending.pop_back();
-        into->reserve(from->size());
-        for (const MarkdownInline& node : *from)
-            into->emplace_back(converted(node, text));
-        for (size_t i = 0; i < from->size(); ++i) {
+        into->reserve(from.size());
+        for (const MarkdownInline& node : from)
+            into->emplace_back(converted(node, inlines, text));
+        for (size_t i = 0; i < from.size(); ++i) {
             // A wiki link's text child is its display, already in the payload.
-            if (!(*from)[i].children.empty() && !(*from)[i].is<inline_kind::WikiLink>())
-                pending.emplace_back(&(*from)[i].children, &(*into)[i].children);
+            if (from[i].hasChildren() && !from[i].is<inline_kind::WikiLink>())
+                pending.emplace_back(from[i].children(), &(*into)[i].children);
         }
     }
     return result;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "MarkdownEngine/Core/MarkdownInline.h"
+#include "MarkdownEngine/Core/MarkdownInlineList.h"
 
 #include <QString>
 #include <QStringView>
@@ -64,7 +64,7 @@ struct MarkdownInlineNode {
     friend bool operator==(const MarkdownInlineNode& a, const MarkdownInlineNode& b);
 
     // The range-free form of `inlines`, whose ranges index `text`.
-    [[nodiscard]] static std::vector<MarkdownInlineNode> from(const std::vector<MarkdownInline>& inlines,
+    [[nodiscard]] static std::vector<MarkdownInlineNode> from(const MarkdownInlineList& inlines,
                                                               QStringView text);
 };
 

@@ -28,24 +28,6 @@ bool walkStoodAt(const std::vector<MarkdownBlock>& blocks, size_t i)
              && before.range.upperBound() == block.range.location);
 }
 
-void moveInlines(std::vector<MarkdownInline>& nodes, int delta)
-{
-    // Emphasis can nest tens of thousands deep: a worklist, not recursion.
-    std::vector<std::vector<MarkdownInline>*> pending{&nodes};
-    while (!pending.empty()) {
-        std::vector<MarkdownInline>* list = pending.back();
-        pending.pop_back();
-        for (MarkdownInline& node : *list) {
-            node.range.location += delta;
-            node.contentRange.location += delta;
-            for (MarkdownSourceRange& marker : node.markerRanges)
-                marker.location += delta;
-            if (!node.children.empty())
-                pending.push_back(&node.children);
-        }
-    }
-}
-
 void moveBlock(MarkdownBlock& block, int delta)
 {
     block.range.location += delta;
@@ -70,7 +52,7 @@ void moveBlock(MarkdownBlock& block, int delta)
     }
     for (MarkdownBlock& child : block.children)
         moveBlock(child, delta);
-    moveInlines(block.inlines, delta);
+    block.inlines.shift(delta);
 }
 
 // Whether the old text between blocks of the replaced run holds anything but blank lines: a

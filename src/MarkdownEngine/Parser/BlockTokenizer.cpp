@@ -688,15 +688,11 @@ void BlockTokenizer::attachInlines(std::vector<MarkdownBlock>& blocks, const Inl
 {
     const MarkdownSourceRange whole{0, int(context.ns.size())};
     InlineParser::Scratch scratch;
-    const auto parseInto = [&](std::vector<MarkdownInline>& into, MarkdownSourceRange range) {
+    MarkdownInlineList::Builder builder;
+    const auto parse = [&](MarkdownSourceRange range) {
         const MarkdownSourceRange clipped = range.intersection(whole);
-        if (clipped.length < 1)
-            return;
-        std::vector<MarkdownInline> parsed = InlineParser::parse(clipped, context, scratch);
-        if (into.empty())
-            into = std::move(parsed);
-        else
-            std::move(parsed.begin(), parsed.end(), std::back_inserter(into));
+        if (clipped.length >= 1)
+            InlineParser::parse(clipped, context, scratch, builder);
     };
     for (MarkdownBlock& block : blocks) {
         if (block.is<block_kind::Fence>() || block.is<block_kind::FrontMatter>() || block.is<block_kind::LatexBlock>()
@@ -705,11 +701,12 @@ void BlockTokenizer::attachInlines(std::vector<MarkdownBlock>& blocks, const Inl
         if (const auto* table = block.as<block_kind::Table>()) {
             for (const auto& row : table->table.rows) {
                 for (const MarkdownTableCell& cell : row)
-                    parseInto(block.inlines, cell.range);
+                    parse(cell.range);
             }
-            continue;
+        } else {
+            parse(block.contentRange);
         }
-        parseInto(block.inlines, block.contentRange);
+        block.inlines = builder.take();
     }
 }
 

@@ -38,8 +38,9 @@ thread_local bool computingAltText = false;
 
 }
 
-InlineAtomScanner::InlineAtomScanner(const InlineParser::Context& context, InlineCloserIndex& index)
-    : m_context(context), m_text(context.ns), m_index(index)
+InlineAtomScanner::InlineAtomScanner(const InlineParser::Context& context, InlineCloserIndex& index,
+                                     MarkdownInlineList::Builder& builder)
+    : m_context(context), m_text(context.ns), m_index(index), m_builder(builder)
 {
 }
 
@@ -110,7 +111,7 @@ std::optional<InlineAtomScanner::Atom> InlineAtomScanner::codeSpan(int p, int en
             const qsizetype lineEnd = trimmed.indexOf(u'\n');
             // The first line, trimmed: newlines too, so a CRLF note gives no CR in the name.
             const QStringView language = chars::trimmed(lineEnd < 0 ? trimmed : trimmed.left(lineEnd));
-            code.language = language.toString();
+            code.language = textOf(language);
             code.hasLanguage = true;
             // Its first occurrence in the inner text is where the trimmed text starts.
             contentStart = runEnd + int(trimmed.data() - inner.data()) + int(language.size());
@@ -167,7 +168,7 @@ std::optional<InlineAtomScanner::Atom> InlineAtomScanner::latex(int p, int end)
     }
     if (!closer)
         return std::nullopt;
-    return Atom{{inline_kind::Latex{slice(contentStart, *closer).toString(), isBlock},
+    return Atom{{inline_kind::Latex{{contentStart, *closer - contentStart}, isBlock},
                  between(p, *closer + delimiter), between(contentStart, *closer),
                  {{p, delimiter}, {*closer, delimiter}}}};
 }
@@ -182,18 +183,19 @@ std::optional<InlineAtomScanner::Atom> InlineAtomScanner::bracketConstruct(int p
     if (!close)
         return std::nullopt;
     const int q = *close;
-    MarkdownMarkerRanges markers{{p, 1}, {q, 1}};
+    MarkdownInlineMarkers markers{{p, 1}, {q, 1}};
     const MarkdownSourceRange text = between(p + 1, q);
     if (q + 1 < end && m_text[q + 1] == u'(') {
         // No fallback to a reference once a parenthesis follows.
         const std::optional<int> paren = m_index.matchingParen(q + 1, end);
         if (!paren)
             return std::nullopt;
-        Destination destination = splitDestination(slice(q + 2, *paren));
+        const Destination destination = splitDestination(slice(q + 2, *paren));
         markers.append(between(q + 1, *paren + 1));
-        inline_kind::Link link{std::move(destination.destination), destination.title.value_or(QString()), true,
-                               destination.title.has_value()};
-        return Atom{{std::move(link), between(p, *paren + 1), text, std::move(markers)}, true};
+        const inline_kind::Link link{textOf(destination.destination),
+                                     destination.title ? textOf(*destination.title) : MarkdownInlineText(), true,
+                                     destination.title.has_value()};
+        return Atom{{link, between(p, *paren + 1), text, markers}, true};
     }
     QStringView label = slice(p + 1, q);
     int last = q;
@@ -208,8 +210,8 @@ std::optional<InlineAtomScanner::Atom> InlineAtomScanner::bracketConstruct(int p
     std::optional<QString> destination = referenceDestination(label);
     if (!destination)
         return std::nullopt;
-    inline_kind::Link link{std::move(*destination), QString(), true, false};
-    return Atom{{std::move(link), between(p, last + 1), text, std::move(markers)}, true};
+    const inline_kind::Link link{m_builder.own(std::move(*destination)), {}, true, false};
+    return Atom{{link, between(p, last + 1), text, markers}, true};
 }
 
 std::optional<QString> InlineAtomScanner::referenceDestination(QStringView label) const
@@ -231,20 +233,21 @@ std::optional<InlineAtomScanner::Atom> InlineAtomScanner::image(int p, int end)
     if (!link || !link->node.is<inline_kind::Link>())
         return std::nullopt;
     const MarkdownInline& node = link->node;
-    QString source = node.as<inline_kind::Link>()->destination;
-    QString alt;
+    const MarkdownInlineText source = node.as<inline_kind::Link>()->destination;
+    MarkdownInlineText alt;
     if (!computingAltText) {
         computingAltText = true;
         struct Reset {
             ~Reset() { computingAltText = false; }
         } reset;
-        alt = MarkdownDocument::plainText(slice(node.contentRange.location, node.contentRange.upperBound()).toString());
+        alt = m_builder.own(
+            MarkdownDocument::plainText(slice(node.contentRange.location, node.contentRange.upperBound()).toString()));
     }
-    MarkdownMarkerRanges markers{{p, 2}};
+    MarkdownInlineMarkers markers{{p, 2}};
     markers.append(node.markerRanges.constData(), node.markerRanges.size());
-    const bool isEmbed = !source.isEmpty();
-    return Atom{{inline_kind::Image{std::move(source), std::move(alt), isEmbed},
-                 between(p, node.range.upperBound()), node.contentRange, std::move(markers)}};
+    const bool isEmbed = source.isOwned() ? !m_builder.owned(source).isEmpty() : source.length > 0;
+    return Atom{{inline_kind::Image{source, alt, isEmbed}, between(p, node.range.upperBound()), node.contentRange,
+                 markers}};
 }
 
 std::optional<InlineAtomScanner::Atom> InlineAtomScanner::wikiLink(int p, int end)
@@ -262,13 +265,12 @@ std::optional<InlineAtomScanner::Atom> InlineAtomScanner::wikiLink(int p, int en
     const QStringView target = chars::trimmed(bar < 0 ? inner : inner.left(bar));
     if (target.isEmpty())
         return std::nullopt;
-    QString targetText = target.toString();
-    QString display = bar < 0 ? targetText : chars::trimmed(inner.mid(bar + 1)).toString();
+    const MarkdownInlineText targetText = textOf(target);
+    const MarkdownInlineText display = bar < 0 ? targetText : textOf(chars::trimmed(inner.mid(bar + 1)));
     const MarkdownSourceRange content = between(p + 2, q);
-    MarkdownInline node{inline_kind::WikiLink{std::move(targetText), std::move(display)}, between(p, q + 2), content,
-                        {{p, 2}, {q, 2}}};
-    node.children.emplace_back(inline_kind::Text{}, content);
-    return Atom{std::move(node)};
+    return Atom{{inline_kind::WikiLink{targetText, display}, between(p, q + 2), content,
+                 {{p, 2}, {q, 2}}},
+                false, true};
 }
 
 std::optional<InlineAtomScanner::Atom> InlineAtomScanner::footnoteReference(int p, int end)
@@ -277,7 +279,7 @@ std::optional<InlineAtomScanner::Atom> InlineAtomScanner::footnoteReference(int 
     if (!close || *close == p + 2)
         return std::nullopt;
     const int q = *close;
-    return Atom{{inline_kind::FootnoteReference{slice(p + 2, q).toString()}, between(p, q + 1), between(p + 2, q),
+    return Atom{{inline_kind::FootnoteReference{{p + 2, q - p - 2}}, between(p, q + 1), between(p + 2, q),
                  {{p, 2}, {q, 1}}}};
 }
 
@@ -297,19 +299,18 @@ std::optional<InlineAtomScanner::Atom> InlineAtomScanner::angleConstruct(int p, 
         return std::nullopt;
     const QStringView inner = slice(p + 1, q);
     const MarkdownSourceRange content = between(p + 1, q);
-    const MarkdownMarkerRanges markers{{p, 1}, {q, 1}};
+    const MarkdownInlineMarkers markers{{p, 1}, {q, 1}};
     static constexpr QStringView mailto = u"mailto:";
     if (inner.contains(u"://") || inner.startsWith(mailto)) {
         const QStringView destination = inner.startsWith(mailto) ? inner.mid(mailto.size()) : inner;
-        MarkdownInline node{inline_kind::Link{destination.toString(), QString(), true, false}, between(p, q + 1),
-                            content, markers};
-        node.children.emplace_back(inline_kind::Text{}, content);
-        return Atom{std::move(node)};
+        return Atom{{inline_kind::Link{textOf(destination), {}, true, false}, between(p, q + 1), content,
+                     markers},
+                    false, true};
     }
     // The first word is what precedes the first space; `< b >` has an empty one.
     const bool startsWithLetter = !inner.isEmpty() && QChar::isLetter(chars::scalarAt(inner, 0));
     if (inner.startsWith(u'/') || startsWithLetter)
-        return Atom{{inline_kind::Html{inner.toString()}, between(p, q + 1), content, markers}};
+        return Atom{{inline_kind::Html{textOf(inner)}, between(p, q + 1), content, markers}};
     return std::nullopt;
 }
 
@@ -332,9 +333,9 @@ InlineAtomScanner::Destination InlineAtomScanner::splitDestination(QStringView t
     if (trimmed.startsWith(u'<')) {
         if (const qsizetype close = trimmed.indexOf(u'>'); close >= 0) {
             const QStringView rest = chars::trimmed(trimmed.mid(close + 1));
-            Destination result{trimmed.mid(1, close - 1).toString(), std::nullopt};
+            Destination result{trimmed.mid(1, close - 1), std::nullopt};
             if (!rest.isEmpty())
-                result.title = trimmedOf(rest, u"\"'").toString();
+                result.title = trimmedOf(rest, u"\"'");
             return result;
         }
     }
@@ -353,15 +354,15 @@ InlineAtomScanner::Destination InlineAtomScanner::splitDestination(QStringView t
     }
     const qsizetype quote = doubleQuote >= 0 ? doubleQuote : singleQuote;
     if (quote >= 0) {
-        Destination result{chars::trimmed(trimmed.left(quote)).toString(), std::nullopt};
+        Destination result{chars::trimmed(trimmed.left(quote)), std::nullopt};
         const QStringView second = trimmed.mid(quote + 1);
         if (!second.isEmpty())
-            result.title = trimmedOf(second, u"\"' ").toString();
+            result.title = trimmedOf(second, u"\"' ");
         return result;
     }
     if (open >= 0 && trimmed.endsWith(u')'))
-        return {chars::trimmed(trimmed.left(open)).toString(), trimmed.mid(open + 1, trimmed.size() - open - 2).toString()};
-    return {trimmed.toString(), std::nullopt};
+        return {chars::trimmed(trimmed.left(open)), trimmed.mid(open + 1, trimmed.size() - open - 2)};
+    return {trimmed, std::nullopt};
 }
 
 }

@@ -16,13 +16,16 @@ public:
     struct Atom {
         MarkdownInline node;
         bool parsesContent = false; // children still to come from parsing `contentRange`
+        bool textChild = false;     // one text child over `contentRange`
     };
     struct Destination {
-        QString destination;
-        std::optional<QString> title;
+        QStringView destination;
+        std::optional<QStringView> title;
     };
 
-    InlineAtomScanner(const InlineParser::Context& context, InlineCloserIndex& index);
+    // Payload texts that are no slice of the note go into `builder`.
+    InlineAtomScanner(const InlineParser::Context& context, InlineCloserIndex& index,
+                      MarkdownInlineList::Builder& builder);
 
     // The atom starting at p, if any: the dispatch on the unit at p.
     [[nodiscard]] std::optional<Atom> atomAt(int p, int end);
@@ -41,11 +44,17 @@ public:
 
 private:
     QStringView slice(int from, int to) const { return m_text.mid(from, to - from); }
+    // A view into the note as a payload text. Empty ones all read the same, wherever they are.
+    MarkdownInlineText textOf(QStringView view) const
+    {
+        return view.isEmpty() ? MarkdownInlineText() : MarkdownInlineText{int(view.data() - m_text.data()), int(view.size())};
+    }
     std::optional<QString> referenceDestination(QStringView label) const;
 
     const InlineParser::Context& m_context;
     QStringView m_text;
     InlineCloserIndex& m_index;
+    MarkdownInlineList::Builder& m_builder;
 };
 
 }

@@ -63,7 +63,7 @@ struct InlineParser::Scratch::Frame {
     int position = 0;
     std::vector<MarkdownInline> atoms; // by location; their ranges are the claimed ones
     std::vector<InlineParser::Delimiter> delimiters;
-    MarkdownInline pending;
+    std::optional<MarkdownInline> pending;
 
     void start(MarkdownSourceRange walked)
     {
@@ -97,7 +97,8 @@ namespace {
 // Walks the frame from where it stopped. The walk visits exactly the units outside claimed
 // ranges, so it collects the emphasis delimiters on the way. Returns the inner range to parse
 // when an atom needs its children first; nothing once the frame's end is reached.
-std::optional<MarkdownSourceRange> scanAtoms(Frame& frame, InlineAtomScanner& scanner, QStringView text)
+std::optional<MarkdownSourceRange> scanAtoms(Frame& frame, InlineAtomScanner& scanner, QStringView text,
+                                             MarkdownInlineList::Builder& builder)
 {
     const int end = frame.range.upperBound();
     const char16_t* units = text.utf16();
@@ -130,9 +131,11 @@ std::optional<MarkdownSourceRange> scanAtoms(Frame& frame, InlineAtomScanner& sc
             continue;
         }
         if (atom->parsesContent && !atom->node.contentRange.isEmpty()) {
-            frame.pending = std::move(atom->node);
-            return frame.pending.contentRange;
+            frame.pending.emplace(std::move(atom->node));
+            return frame.pending->contentRange;
         }
+        if (atom->textChild)
+            builder.adopt(atom->node, MarkdownInline(inline_kind::Text{}, atom->node.contentRange));
         p = atom->node.range.upperBound();
         frame.atoms.push_back(std::move(atom->node));
     }
@@ -179,44 +182,47 @@ void appendText(std::vector<MarkdownInline>& into, int from, int to)
         into.emplace_back(inline_kind::Text{}, MarkdownSourceRange::fromBounds(from, to));
 }
 
-// Atoms and emphasis in location order, each at or after the cursor of the level it falls
-// in, gaps as text. An emphasis span is a level of its own: what lies in its content becomes
-// its children, which is what parsing that content again would give.
-std::vector<MarkdownInline> merged(std::vector<MarkdownInline>& atoms, const std::vector<EmphasisSpan>& spans,
-                                   MarkdownSourceRange range, std::vector<Level>& levels,
-                                   std::vector<MarkdownInline>& gathered)
+// Room for `more` nodes, growing at least twofold: the lists are reused and appended to, and
+// exact reservations on each append would copy them over and over.
+void reserveMore(std::vector<MarkdownInline>& nodes, size_t more)
 {
-    std::vector<MarkdownInline> top;
+    const size_t needed = nodes.size() + more;
+    if (needed > nodes.capacity())
+        nodes.reserve(std::max(needed, 2 * nodes.capacity()));
+}
+
+// Atoms and emphasis in location order, each at or after the cursor of the level it falls
+// in, gaps as text, appended to `top`. An emphasis span is a level of its own: what lies in
+// its content becomes its children, which is what parsing that content again would give.
+void merge(std::vector<MarkdownInline>& atoms, const std::vector<EmphasisSpan>& spans, MarkdownSourceRange range,
+           std::vector<Level>& levels, std::vector<MarkdownInline>& gathered, std::vector<MarkdownInline>& top,
+           MarkdownInlineList::Builder& builder)
+{
     if (atoms.empty() && spans.empty()) {
-        top.reserve(1);
         top.emplace_back(inline_kind::Text{}, range);
-        return top;
+        return;
     }
     // Each item brings at most one gap before it: reserving the bound spares the regrowth of a
-    // large vector, and pages never written are never touched.
-    top.reserve(2 * (atoms.size() + spans.size()) + 1);
+    // large vector.
+    reserveMore(top, 2 * (atoms.size() + spans.size()) + 1);
     levels.clear();
     gathered.clear();
     levels.push_back({0, range.location, nullptr});
     const auto inlinesOf = [&](const Level& level) -> std::vector<MarkdownInline>& {
         return level.span ? gathered : top;
     };
-    // The children of an emphasis level are the tail of `gathered`; they move into a vector
-    // of exactly their number.
+    // The children of an emphasis level are the tail of `gathered`.
     const auto closeLevel = [&] {
         const Level level = levels.back();
         levels.pop_back();
         const EmphasisSpan& span = *level.span;
         appendText(gathered, level.cursor, span.content.upperBound());
-        std::vector<MarkdownInline> children;
-        children.reserve(gathered.size() - level.start);
-        std::move(gathered.begin() + qsizetype(level.start), gathered.end(), std::back_inserter(children));
-        gathered.erase(gathered.begin() + qsizetype(level.start), gathered.end());
+        MarkdownInline emphasis(inline_kind::Emphasis{span.emphasis}, span.range, span.content,
+                                MarkdownInlineMarkers{{span.range.location, span.width},
+                                                     {span.content.upperBound(), span.width}});
+        builder.adopt(emphasis, gathered, level.start);
         Level& parent = levels.back();
-        inlinesOf(parent).emplace_back(inline_kind::Emphasis{span.emphasis}, span.range, span.content,
-                                       MarkdownMarkerRanges{{span.range.location, span.width},
-                                                            {span.content.upperBound(), span.width}},
-                                       std::move(children));
+        inlinesOf(parent).push_back(std::move(emphasis));
         parent.cursor = span.range.upperBound();
     };
     size_t atom = 0;
@@ -252,7 +258,6 @@ std::vector<MarkdownInline> merged(std::vector<MarkdownInline>& atoms, const std
     while (levels.size() > 1)
         closeLevel();
     appendText(top, levels.back().cursor, range.upperBound());
-    return top;
 }
 
 }
@@ -287,19 +292,26 @@ InlineParser::Delimiter InlineParser::flanking(char16_t character, int location,
     return delimiter;
 }
 
-std::vector<MarkdownInline> InlineParser::parse(MarkdownSourceRange range, const Context& context)
+MarkdownInlineList InlineParser::parse(MarkdownSourceRange range, const Context& context)
 {
     Scratch scratch;
     return parse(range, context, scratch);
 }
 
-std::vector<MarkdownInline> InlineParser::parse(MarkdownSourceRange range, const Context& context, Scratch& scratch)
+MarkdownInlineList InlineParser::parse(MarkdownSourceRange range, const Context& context, Scratch& scratch)
+{
+    parse(range, context, scratch, scratch.m_builder);
+    return scratch.m_builder.take();
+}
+
+void InlineParser::parse(MarkdownSourceRange range, const Context& context, Scratch& scratch,
+                         MarkdownInlineList::Builder& builder)
 {
     const MarkdownSourceRange clipped = range.intersection({0, int(context.ns.size())});
     if (clipped.length < 1)
-        return {};
+        return;
     InlineCloserIndex index(context.ns, clipped);
-    InlineAtomScanner scanner(context, index);
+    InlineAtomScanner scanner(context, index, builder);
     // Inner ranges are walked as frames on this stack; an inner range lies between its
     // opener and closer, so the walk as a whole moves forward through the text and each unit
     // is walked once. Frames are addressed by depth: the vector may move them as it grows.
@@ -309,7 +321,7 @@ std::vector<MarkdownInline> InlineParser::parse(MarkdownSourceRange range, const
         frames.emplace_back();
     frames[0].start(clipped);
     while (true) {
-        if (const std::optional<MarkdownSourceRange> inner = scanAtoms(frames[depth], scanner, context.ns)) {
+        if (const std::optional<MarkdownSourceRange> inner = scanAtoms(frames[depth], scanner, context.ns, builder)) {
             if (++depth == frames.size())
                 frames.emplace_back();
             frames[depth].start(*inner);
@@ -317,15 +329,16 @@ std::vector<MarkdownInline> InlineParser::parse(MarkdownSourceRange range, const
         }
         Frame& frame = frames[depth];
         matchEmphasis(frame.delimiters, scratch.m_spans, scratch.m_openers);
-        std::vector<MarkdownInline> inlines =
-            merged(frame.atoms, scratch.m_spans, frame.range, scratch.m_levels, scratch.m_gathered);
+        std::vector<MarkdownInline>& into = depth == 0 ? builder.top() : scratch.m_inner;
+        merge(frame.atoms, scratch.m_spans, frame.range, scratch.m_levels, scratch.m_gathered, into, builder);
         frame.atoms.clear();
         if (depth == 0)
-            return inlines;
+            return;
         Frame& parent = frames[--depth];
-        parent.pending.children = std::move(inlines);
-        parent.position = parent.pending.range.upperBound();
-        parent.atoms.push_back(std::move(parent.pending));
+        builder.adopt(*parent.pending, scratch.m_inner);
+        parent.position = parent.pending->range.upperBound();
+        parent.atoms.push_back(std::move(*parent.pending));
+        parent.pending.reset();
     }
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "MarkdownEngine/Core/MarkdownInline.h"
+#include "MarkdownEngine/Core/MarkdownInlineList.h"
 #include "MarkdownEngine/Core/MarkdownInlineNode.h"
 #include "MarkdownEngine/Core/MarkdownParseOptions.h"
 #include "MarkdownEngine/Core/MarkdownSourceRange.h"
@@ -75,12 +75,17 @@ public:
         std::vector<qsizetype> m_openers;
         std::vector<Level> m_levels;
         std::vector<MarkdownInline> m_gathered; // children of the open emphasis levels, in order
+        std::vector<MarkdownInline> m_inner;    // the top level of an inner range, before adoption
+        MarkdownInlineList::Builder m_builder;
     };
 
     // The range is clipped to the text; an empty result gives no inlines.
-    [[nodiscard]] static std::vector<MarkdownInline> parse(MarkdownSourceRange range, const Context& context);
-    [[nodiscard]] static std::vector<MarkdownInline> parse(MarkdownSourceRange range, const Context& context,
-                                                           Scratch& scratch);
+    [[nodiscard]] static MarkdownInlineList parse(MarkdownSourceRange range, const Context& context);
+    [[nodiscard]] static MarkdownInlineList parse(MarkdownSourceRange range, const Context& context,
+                                                  Scratch& scratch);
+    // The same, appended to the builder's top level: a table's cells go into one list.
+    static void parse(MarkdownSourceRange range, const Context& context, Scratch& scratch,
+                      MarkdownInlineList::Builder& builder);
     // The same, in the range-free form, text taken from the source.
     [[nodiscard]] static std::vector<MarkdownInlineNode> nodes(MarkdownSourceRange range, const Context& context);
     // The flanking rules of a run, given the units before and after it (LF at the edges).

@@ -173,6 +173,7 @@ MarkdownASTStyler::BlockContext MarkdownASTStyler::makeContext(const Request& re
     env.revealsFormula = context.revealsFormula;
     env.attachments = request.attachments;
     env.maximumEmbedWidth = request.maximumEmbedWidth;
+    env.note = request.document->text;
     return context;
 }
 
@@ -182,6 +183,7 @@ void MarkdownASTStyler::inlinePass(const MarkdownBlock& block, const BlockContex
     if (block.inlines.empty())
         return;
     const MarkdownInlineStyler::Environment& env = context.inlines;
+    env.list = &block.inlines;
     for (const MarkdownInline& node : block.inlines)
         MarkdownInlineStyler::visit(node, env.baseAttributes, env.baseFont, env, into);
     MarkdownInlineStyler::applyTextColors(block.inlines, env, into);

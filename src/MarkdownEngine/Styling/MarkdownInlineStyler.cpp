@@ -68,7 +68,7 @@ void visitLink(const MarkdownInline& node, const ik::Link& link, const MarkdownT
                std::vector<MarkdownEditorFragment>& into)
 {
     const MarkdownEditorConfiguration& config = *env.config;
-    const QString destination = chars::trimmed(link.destination).toString();
+    const QString destination = chars::trimmed(env.payload(link.destination)).toString();
     const bool incomplete = !link.hasDestination || destination.isEmpty();
     MarkdownTextAttributes a = handed;
     if (!incomplete) {
@@ -83,7 +83,7 @@ void visitLink(const MarkdownInline& node, const ik::Link& link, const MarkdownT
     }
     if (node.contentRange.length > 0)
         MarkdownEditorFragment::add(into, node.contentRange, Role::link, a, 0);
-    for (const MarkdownInline& child : node.children)
+    for (const MarkdownInline& child : node.children())
         MarkdownInlineStyler::visit(child, a, font, env, into);
     const int contentEnd = node.contentRange.upperBound();
     for (const MarkdownSourceRange& marker : node.markerRanges) {
@@ -112,7 +112,7 @@ void visitImage(const MarkdownInline& node, const ik::Image& image, const Markdo
                 std::vector<MarkdownEditorFragment>& into)
 {
     const MarkdownEditorConfiguration& config = *env.config;
-    const QString source = chars::trimmed(image.source).toString();
+    const QString source = chars::trimmed(env.payload(image.source)).toString();
     MarkdownTextAttributes a = handed;
     a.setForeground(config.theme.disabledText);
     if (!image.isEmbed) {
@@ -139,8 +139,9 @@ void visitLatex(const MarkdownInline& node, const ik::Latex& latex, const Markdo
     const QColor ink = env.config->theme.latexInk();
     MarkdownEditorAttachmentFactory::AttachmentPointer attachment;
     if (env.attachments) {
-        attachment = latex.isBlock ? env.attachments->blockLatex(latex.source, font.pointSize, ink)
-                                   : env.attachments->inlineLatex(latex.source, font.pointSize, ink);
+        const QString source = env.payload(latex.source).toString();
+        attachment = latex.isBlock ? env.attachments->blockLatex(source, font.pointSize, ink)
+                                   : env.attachments->inlineLatex(source, font.pointSize, ink);
     }
     if (!attachment || env.revealsFormula(node.range)) {
         MarkdownTextAttributes a = handed;
@@ -240,9 +241,10 @@ std::optional<QString> MarkdownInlineStyler::webURL(const QString& destination)
     return url;
 }
 
-std::vector<MarkdownEditorFragment> MarkdownInlineStyler::fragments(const std::vector<MarkdownInline>& inlines,
+std::vector<MarkdownEditorFragment> MarkdownInlineStyler::fragments(const MarkdownInlineList& inlines,
                                                                     const Environment& environment)
 {
+    environment.list = &inlines;
     std::vector<MarkdownEditorFragment> out;
     for (const MarkdownInline& node : inlines)
         visit(node, environment.baseAttributes, environment.baseFont, environment, out);
@@ -266,7 +268,8 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
     std::vector<Frame>& stack = env.walk;
     const size_t base = stack.size();
     auto pushChildren = [&stack](const MarkdownInline& node, const MarkdownTextAttributes* a, const MarkdownFontDescriptor* font) {
-        for (auto child = node.children.rbegin(); child != node.children.rend(); ++child)
+        const std::span<const MarkdownInline> children = node.children();
+        for (auto child = children.rbegin(); child != children.rend(); ++child)
             stack.push_back({&*child, a, font});
     };
 
@@ -320,7 +323,7 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
             pushChildren(node, a, frame.font);
         } else if (const auto* span = node.as<ik::ExtensionSpan>()) {
             MarkdownTextAttributes* a = &levels.emplace_front(handed);
-            if (auto extension = env.registry ? env.registry->extension(span->name) : nullptr)
+            if (auto extension = env.registry ? env.registry->extension(env.payload(span->name).toString()) : nullptr)
                 a->merge(env.extensionAttributes(*extension, font));
             MarkdownEditorFragment::add(into, node.contentRange, Role::directiveBody, *a, 0);
             markerPass(node, Role::directiveMarker, theme.marker, env, into);
@@ -332,7 +335,7 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
             a.setForeground(theme.link);
             a.setUnderline(withAlpha(theme.link, config.link.underlineAlpha));
             a.setRole(Role::wikiLink);
-            a.setWikiLinkID(wiki->target);
+            a.setWikiLinkID(env.payload(wiki->target).toString());
             MarkdownEditorFragment::add(into, node.contentRange, Role::wikiLink, std::move(a), 0);
             markerPass(node, Role::linkMarker, theme.marker, env, into);
         } else if (const auto* image = node.as<ik::Image>()) {
@@ -346,7 +349,7 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
             a.setBaselineOffset(small.pointSize * 0.33f);
             a.setForeground(theme.link);
             a.setRole(Role::footnote);
-            a.setWikiLinkID(footnote->label);
+            a.setWikiLinkID(env.payload(footnote->label).toString());
             MarkdownEditorFragment::add(into, node.range, Role::footnote, std::move(a), 10);
         } else if (node.is<ik::Html>()) {
             MarkdownTextAttributes a = handed;
@@ -361,15 +364,14 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
     }
 }
 
-void MarkdownInlineStyler::applyTextColors(const std::vector<MarkdownInline>& inlines, const Environment& env,
+void MarkdownInlineStyler::applyTextColors(const MarkdownInlineList& inlines, const Environment& env,
                                            std::vector<MarkdownEditorFragment>& into)
 {
     static const QRegularExpression open(
         QStringLiteral("^span\\s+style\\s*=\\s*[\"']\\s*color\\s*:\\s*([^;\"'<>]+?)\\s*;?\\s*[\"']\\s*$"),
         QRegularExpression::CaseInsensitiveOption);
-    auto innerText = [](const QString& tag) {
-        QStringView v(tag);
-        v = chars::trimmed(v);
+    auto innerText = [](QStringView tag) {
+        QStringView v = chars::trimmed(tag);
         if (v.startsWith(u'<'))
             v = v.mid(1);
         if (v.endsWith(u'>'))
@@ -378,7 +380,7 @@ void MarkdownInlineStyler::applyTextColors(const std::vector<MarkdownInline>& in
     };
     auto isClose = [&](const MarkdownInline& node) {
         const auto* html = node.as<ik::Html>();
-        return html && chars::trimmed(innerText(html->source)).compare(u"/span", Qt::CaseInsensitive) == 0;
+        return html && chars::trimmed(innerText(inlines.text(env.note, html->source))).compare(u"/span", Qt::CaseInsensitive) == 0;
     };
     auto hideTag = [&](MarkdownSourceRange tag) {
         if (env.showsMarkers(tag)) {
@@ -390,19 +392,19 @@ void MarkdownInlineStyler::applyTextColors(const std::vector<MarkdownInline>& in
         }
     };
     // Sibling lists to look through, deepest included; a worklist keeps nesting off the stack.
-    std::vector<const std::vector<MarkdownInline>*>& levels = env.siblingLists;
-    levels.assign(1, &inlines);
+    std::vector<std::span<const MarkdownInline>>& levels = env.siblingLists;
+    levels.assign(1, inlines.top());
     while (!levels.empty()) {
-        const std::vector<MarkdownInline>& siblings = *levels.back();
+        const std::span<const MarkdownInline> siblings = levels.back();
         levels.pop_back();
         for (size_t i = 0; i < siblings.size(); ++i) {
             const MarkdownInline& node = siblings[i];
-            if (!node.children.empty())
-                levels.push_back(&node.children);
+            if (node.hasChildren())
+                levels.push_back(node.children());
             const auto* html = node.as<ik::Html>();
             if (!html)
                 continue;
-            const auto match = open.match(innerText(html->source));
+            const auto match = open.match(innerText(inlines.text(env.note, html->source)));
             if (!match.hasMatch())
                 continue;
             size_t close = i + 1;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "MarkdownEngine/Configuration/MarkdownEditorConfiguration.h"
-#include "MarkdownEngine/Core/MarkdownInline.h"
+#include "MarkdownEngine/Core/MarkdownInlineList.h"
 #include "MarkdownEngine/Extensions/MarkdownExtensionRegistry.h"
 #include "MarkdownEngine/Styling/MarkdownEditorAttachmentFactory.h"
 #include "MarkdownEngine/Styling/MarkdownEditorFragment.h"
@@ -29,6 +29,10 @@ public:
         RangePredicate revealsFormula;
         MarkdownEditorAttachmentFactory* attachments = nullptr; // may be null: no pictures
         double maximumEmbedWidth = 0;
+        QStringView note;
+        // The list of the block being walked, for its nodes' payload texts.
+        mutable const MarkdownInlineList* list = nullptr;
+        [[nodiscard]] QStringView payload(MarkdownInlineText text) const { return list->text(note, text); }
 
         // What an extension gave for a font, kept for the pass: asking it means making a QFont
         // and reading a format, for every span of a note that has many of the same few.
@@ -46,19 +50,20 @@ public:
             const MarkdownFontDescriptor* font;
         };
         mutable std::vector<WalkFrame> walk;
-        mutable std::vector<const std::vector<MarkdownInline>*> siblingLists;
+        mutable std::vector<std::span<const MarkdownInline>> siblingLists;
         [[nodiscard]] const MarkdownTextAttributes& extensionAttributes(const MarkdownExtension& extension,
                                                                         const MarkdownFontDescriptor& font) const;
     };
 
-    [[nodiscard]] static std::vector<MarkdownEditorFragment> fragments(const std::vector<MarkdownInline>& inlines,
+    [[nodiscard]] static std::vector<MarkdownEditorFragment> fragments(const MarkdownInlineList& inlines,
                                                                        const Environment& environment);
-    // One node and everything under it. Walks with its own stack: nesting depth is the input's.
+    // One node of `environment.list` and everything under it. Walks with its own stack: nesting
+    // depth is the input's.
     static void visit(const MarkdownInline& node, const MarkdownTextAttributes& attributes,
                       const MarkdownFontDescriptor& font, const Environment& environment,
                       std::vector<MarkdownEditorFragment>& into);
     // Coloured `<span style="color: …">` … `</span>` pairs among siblings, at every level.
-    static void applyTextColors(const std::vector<MarkdownInline>& inlines, const Environment& environment,
+    static void applyTextColors(const MarkdownInlineList& inlines, const Environment& environment,
                                 std::vector<MarkdownEditorFragment>& into);
 
     // Character attributes an extension gives, in the styler's terms.
