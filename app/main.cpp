@@ -1,4 +1,5 @@
 #include "MainWindow.h"
+#include "MarkdownEngine/Core/ParseHeap.h"
 #include "ShellWindowHost.h"
 #include "Velmo/AppDelegate.h"
 #include "Velmo/AppState.h"
@@ -7,34 +8,9 @@
 
 #include <QApplication>
 
-#ifdef __GLIBC__
-#include <malloc.h>
-#endif
-
-namespace {
-
-#ifdef __GLIBC__
-// Every keystroke parses the whole note again, building and freeing a tree that runs to tens
-// of megabytes for a large note. Keeping that much freed heap mapped between parses spares
-// the page faults of mapping it afresh each time; glibc would otherwise hand it back at once.
-constexpr int keptFreeHeapBytes = 128 * 1024 * 1024;
-// Blocks below this come from the heap, and so stay warm too; glibc takes no larger value.
-constexpr int mmapThresholdBytes = 32 * 1024 * 1024;
-#endif
-
-void keepHeapWarm()
-{
-#ifdef __GLIBC__
-    mallopt(M_TRIM_THRESHOLD, keptFreeHeapBytes);
-    mallopt(M_MMAP_THRESHOLD, mmapThresholdBytes);
-#endif
-}
-
-}
-
 int main(int argc, char** argv)
 {
-    keepHeapWarm();
+    velmo::markdown::ParseHeap::keepWarm();
     QApplication application(argc, argv);
     QApplication::setApplicationName("Velmo");
     QApplication::setOrganizationName("Velmo");

@@ -101,4 +101,4 @@ BENCHMARK_CAPTURE(BM_keyAtEveryLine, newline, MarkdownEditorKeys::Key::newline)-
 BENCHMARK_CAPTURE(BM_keyAtEveryLine, tab, MarkdownEditorKeys::Key::tab)->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(BM_keyAtEveryLine, backspace, MarkdownEditorKeys::Key::backspace)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_tidyTableAtATable)->Unit(benchmark::kMicrosecond);
-BENCHMARK_MAIN();
+VELMO_BENCHMARK_MAIN()

@@ -164,6 +164,7 @@ long peakResidentKilobytes()
 
 int main(int argc, char** argv)
 {
+    velmo::markdown::ParseHeap::keepWarm();
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication app(argc, argv);

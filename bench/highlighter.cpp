@@ -4,6 +4,8 @@
 #include "Highlighter/CodeScanner.h"
 #include "Highlighter/SyntaxLanguageCatalog.h"
 
+#include "support/BenchData.h"
+
 #include <benchmark/benchmark.h>
 
 #include <QString>
@@ -251,4 +253,4 @@ BENCHMARK(bash)->Unit(benchmark::kMillisecond);
 BENCHMARK(html)->Unit(benchmark::kMillisecond);
 BENCHMARK(diff)->Unit(benchmark::kMillisecond);
 
-BENCHMARK_MAIN();
+VELMO_BENCHMARK_MAIN()

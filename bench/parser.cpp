@@ -143,4 +143,4 @@ BENCHMARK_CAPTURE(cmarkParse, notes1000, notes)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(cmarkParse, bigNote, bigNote)->Unit(benchmark::kMillisecond);
 #endif
 
-BENCHMARK_MAIN();
+VELMO_BENCHMARK_MAIN()

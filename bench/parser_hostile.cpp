@@ -2,6 +2,8 @@
 // 50 ms) and nest as deep as it likes without exhausting the stack.
 #include "MarkdownEngine/Core/MarkdownDocument.h"
 
+#include "support/BenchData.h"
+
 #include <benchmark/benchmark.h>
 
 #include <QString>
@@ -128,4 +130,4 @@ VELMO_HOSTILE(pipeParagraph);
 VELMO_HOSTILE(deepListIndent);
 VELMO_HOSTILE(unclosedFences);
 
-BENCHMARK_MAIN();
+VELMO_BENCHMARK_MAIN()

@@ -116,6 +116,7 @@ BENCHMARK(BM_NoteTextCacheAllHits)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char** argv)
 {
+    velmo::markdown::ParseHeap::keepWarm();
     QCoreApplication application(argc, argv);
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();

@@ -16,4 +16,4 @@ static void measureBigNote(benchmark::State& state)
 }
 BENCHMARK(measureBigNote)->Unit(benchmark::kMillisecond);
 
-BENCHMARK_MAIN();
+VELMO_BENCHMARK_MAIN()

@@ -218,6 +218,7 @@ BENCHMARK(fragmentsOnly)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char** argv)
 {
+    velmo::markdown::ParseHeap::keepWarm();
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication app(argc, argv); // fonts need it
     benchmark::Initialize(&argc, argv);

@@ -90,6 +90,7 @@ BENCHMARK(BM_DrawInlineFormulaAt2x);
 
 int main(int argc, char** argv)
 {
+    velmo::markdown::ParseHeap::keepWarm();
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication app(argc, argv);

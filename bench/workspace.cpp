@@ -69,6 +69,7 @@ BENCHMARK(BM_FilteredTree)->Arg(1)->Arg(7)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char** argv)
 {
+    velmo::markdown::ParseHeap::keepWarm();
     QCoreApplication application(argc, argv);
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();

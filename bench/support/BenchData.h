@@ -1,7 +1,10 @@
 #pragma once
 
+#include "MarkdownEngine/Core/ParseHeap.h"
+
 #include <QString>
 #include <QStringList>
+#include <benchmark/benchmark.h>
 
 namespace velmo::bench {
 
@@ -16,3 +19,17 @@ QString bigNoteText();
 QString concatenatedNotes(int notes);
 
 }
+
+// main() of a benchmark program: the program's heap policy first, so that the figures are
+// the program's, then the benchmarks.
+#define VELMO_BENCHMARK_MAIN()                                      \
+    int main(int argc, char** argv)                                 \
+    {                                                               \
+        velmo::markdown::ParseHeap::keepWarm();                     \
+        benchmark::Initialize(&argc, argv);                         \
+        if (benchmark::ReportUnrecognizedArguments(argc, argv))     \
+            return 1;                                               \
+        benchmark::RunSpecifiedBenchmarks();                        \
+        benchmark::Shutdown();                                      \
+        return 0;                                                   \
+    }

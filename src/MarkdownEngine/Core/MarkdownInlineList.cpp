@@ -3,7 +3,8 @@
 namespace velmo::markdown {
 
 MarkdownInlineList::MarkdownInlineList(const MarkdownInlineList& other)
-    : m_topCount(other.m_topCount), m_strings(other.m_strings)
+    : m_topCount(other.m_topCount),
+      m_strings(other.m_strings ? std::make_unique<std::vector<QString>>(*other.m_strings) : nullptr)
 {
     // Offsets are relative, so a node-for-node copy keeps every tree.
     m_nodes.reserve(other.m_nodes.size());
@@ -21,7 +22,7 @@ MarkdownInlineList& MarkdownInlineList::operator=(const MarkdownInlineList& othe
 QStringView MarkdownInlineList::text(QStringView note, MarkdownInlineText payload) const
 {
     if (payload.isOwned())
-        return m_strings[size_t(payload.ownedIndex())];
+        return (*m_strings)[size_t(payload.ownedIndex())];
     return note.mid(payload.location, payload.length);
 }
 
@@ -109,10 +110,12 @@ MarkdownInlineList MarkdownInlineList::Builder::take()
     for (MarkdownInline& node : m_top)
         place(std::move(node), list.m_nodes);
     list.m_topCount = m_top.size();
-    list.m_strings = std::move(m_strings);
+    if (!m_strings.empty()) {
+        list.m_strings = std::make_unique<std::vector<QString>>(std::move(m_strings));
+        m_strings.clear();
+    }
     m_nodes.clear();
     m_top.clear();
-    m_strings.clear();
     return list;
 }
 

@@ -4,6 +4,7 @@
 
 #include <QString>
 #include <QStringView>
+#include <memory>
 #include <span>
 #include <type_traits>
 #include <vector>
@@ -37,13 +38,11 @@ public:
     const MarkdownInline& front() const { return top().front(); }
     const MarkdownInline& back() const { return top().back(); }
 
-    // Every node of every tree, in no particular order.
-    [[nodiscard]] std::span<const MarkdownInline> nodes() const { return m_nodes; }
     // A payload's text, given the note the list was parsed from.
     [[nodiscard]] QStringView text(QStringView note, MarkdownInlineText payload) const;
     [[nodiscard]] QString string(QStringView note, MarkdownInlineText payload) const
     {
-        return payload.isOwned() ? m_strings[size_t(payload.ownedIndex())] : text(note, payload).toString();
+        return payload.isOwned() ? (*m_strings)[size_t(payload.ownedIndex())] : text(note, payload).toString();
     }
     // Moves every range, payloads' included, by `delta` units.
     void shift(int delta);
@@ -51,7 +50,8 @@ public:
 private:
     std::vector<MarkdownInline> m_nodes;
     size_t m_topCount = 0;
-    std::vector<QString> m_strings;
+    // Few blocks have any, and every block carries a list: a pointer, not a vector.
+    std::unique_ptr<std::vector<QString>> m_strings;
 };
 
 // Builds a list bottom up: children go into the array before the node that holds them, so a
