@@ -1,5 +1,7 @@
 #include "MarkdownEngine/Core/ParseHeap.h"
 
+#include <cstdlib> // defines __GLIBC__ on glibc
+
 #ifdef __GLIBC__
 #include <malloc.h>
 #endif

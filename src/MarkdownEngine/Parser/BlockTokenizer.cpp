@@ -631,6 +631,9 @@ BlockTokenizer::QuoteMarkers BlockTokenizer::quoteMarkers(const SourceLine& line
 void BlockTokenizer::attachQuoteMarkers(std::vector<MarkdownBlock>& blocks, const std::vector<SourceLine>& lines,
                                         QStringView text)
 {
+    // Most notes quote nothing: the lines say so without a walk over every block.
+    if (std::none_of(lines.begin(), lines.end(), [](const SourceLine& line) { return line.quoteDepth > 0; }))
+        return;
     size_t lineIndex = 0;
     std::vector<MarkdownSourceRange> sortedOwn;
     for (MarkdownBlock& block : blocks) {
