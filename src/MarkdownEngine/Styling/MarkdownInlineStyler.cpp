@@ -68,7 +68,7 @@ void visitLink(const MarkdownInline& node, const ik::Link& link, const MarkdownT
                std::vector<MarkdownEditorFragment>& into)
 {
     const MarkdownEditorConfiguration& config = *env.config;
-    const QString destination = chars::trimmed(env.payload(link.destination)).toString();
+    const QStringView destination = chars::trimmed(env.payload(link.destination));
     const bool incomplete = !link.hasDestination || destination.isEmpty();
     MarkdownTextAttributes a = handed;
     if (!incomplete) {
@@ -204,18 +204,19 @@ const MarkdownTextAttributes& MarkdownInlineStyler::Environment::extensionAttrib
     return extensionLooks.back().attributes;
 }
 
-std::optional<QString> MarkdownInlineStyler::webURL(const QString& destination)
+std::optional<QString> MarkdownInlineStyler::webURL(QStringView view)
 {
-    if (destination.isEmpty() || destination.contains(u' '))
+    if (view.isEmpty() || view.contains(u' '))
         return std::nullopt;
     // Only a scheme needs the URL reader and only a mail address the pattern. The others,
     // relative paths mostly, are answered here and take no room in the cache: a note with
     // thousands of them would otherwise push out the URLs it keeps coming back to.
-    const bool scheme = hasScheme(destination);
-    if (!scheme && destination.startsWith(QLatin1String("www."), Qt::CaseInsensitive))
-        return QStringLiteral("https://") + destination;
-    if (!scheme && !destination.contains(u'@'))
+    const bool scheme = hasScheme(view);
+    if (!scheme && view.startsWith(QLatin1String("www."), Qt::CaseInsensitive))
+        return QStringLiteral("https://") + view.toString();
+    if (!scheme && !view.contains(u'@'))
         return std::nullopt;
+    const QString destination = view.toString();
     // Reading a URL costs microseconds, and a note links to the same places again and again.
     static QMutex mutex;
     static auto* const known = new QHash<QString, std::optional<QString>>();

@@ -69,7 +69,7 @@ public:
     // Character attributes an extension gives, in the styler's terms.
     [[nodiscard]] static MarkdownTextAttributes attributes(const QTextCharFormat& format, const MarkdownFontDescriptor& font);
     // A link destination as a URL where it reads as one: a scheme, "www.", or a mail address.
-    [[nodiscard]] static std::optional<QString> webURL(const QString& destination);
+    [[nodiscard]] static std::optional<QString> webURL(QStringView destination);
 };
 
 }
