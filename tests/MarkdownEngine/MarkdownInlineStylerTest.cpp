@@ -123,7 +123,7 @@ TEST(MarkdownInlineStyler, Links)
     EXPECT_TRUE(link->attributes.has(MarkdownTextAttributes::Underline));
     const auto* destination = find(on, Role::linkDestination, 3);
     ASSERT_TRUE(destination);
-    EXPECT_EQ(destination->attributes.font.family, MarkdownFont::systemMonospaced());
+    EXPECT_EQ(destination->attributes.font.family(), MarkdownFont::systemMonospaced());
     // "[t]()": incomplete, in its own colour, no underline.
     const auto* incomplete = find(on, Role::link, int(text.indexOf("t]")));
     ASSERT_TRUE(incomplete);
@@ -157,7 +157,7 @@ TEST(MarkdownInlineStyler, PicturesComeThroughTheServices)
     EXPECT_EQ(missing->attributes.foreground, MarkdownEditorConfiguration().theme.disabledText.rgba());
     EXPECT_FALSE(missing->attributes.has(MarkdownTextAttributes::Attachment));
     const auto* plain = find(with, Role::imageEmbed, int(text.indexOf("![alt")));
-    EXPECT_EQ(plain->attributes.font.family, MarkdownFont::systemMonospaced());
+    EXPECT_EQ(plain->attributes.font.family(), MarkdownFont::systemMonospaced());
 
     const int formula = int(text.indexOf("$a"));
     const auto* rendered = find(with, Role::latex, formula);

@@ -184,7 +184,7 @@ MarkdownTextAttributes MarkdownInlineStyler::attributes(const QTextCharFormat& f
         if (format.hasProperty(QTextFormat::FontFamilies)) {
             const QStringList families = format.fontFamilies().toStringList();
             if (!families.isEmpty())
-                f.family = families.first();
+                f.setFamily(families.first());
         }
         a.setFont(f);
     }
