@@ -8,7 +8,6 @@
 #include <QMutex>
 #include <QRegularExpression>
 #include <QUrl>
-#include <forward_list>
 
 namespace velmo::markdown {
 
@@ -68,7 +67,9 @@ void visitLink(const MarkdownInline& node, const ik::Link& link, const MarkdownT
                std::vector<MarkdownEditorFragment>& into)
 {
     const MarkdownEditorConfiguration& config = *env.config;
-    const QString destination = chars::trimmed(link.destination).toString();
+    // Most destinations have nothing to trim: those share the parse's string.
+    const QStringView trimmed = chars::trimmed(link.destination);
+    const QString destination = trimmed.size() == link.destination.size() ? link.destination : trimmed.toString();
     const bool incomplete = !link.hasDestination || destination.isEmpty();
     MarkdownTextAttributes a = handed;
     if (!incomplete) {
@@ -257,14 +258,13 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
     const MarkdownEditorTheme& theme = config.theme;
     // Each frame hands its attributes and font down to the children it pushes. Attribute sets
     // are shared by the siblings of a level, so a deep chain costs one set per level.
-    // The list keeps each level's set in place while its subtree is walked.
-    // Most nodes are plain text without children: the list does not allocate for them.
-    std::forward_list<MarkdownTextAttributes> levels;
-    // A walk nested in this one (a link's children) works above this one's frames and leaves
-    // the stack as it found it.
+    // A walk nested in this one (a link's children) works above this one's frames and sets
+    // and leaves both as it found them.
     using Frame = Environment::WalkFrame;
     std::vector<Frame>& stack = env.walk;
     const size_t base = stack.size();
+    std::deque<MarkdownTextAttributes>& levels = env.levels;
+    const size_t levelsBase = levels.size();
     auto pushChildren = [&stack](const MarkdownInline& node, const MarkdownTextAttributes* a, const MarkdownFontDescriptor* font) {
         for (auto child = node.children.rbegin(); child != node.children.rend(); ++child)
             stack.push_back({&*child, a, font});
@@ -298,14 +298,14 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
                 emphasized = MarkdownFont::applying(MarkdownFont::Trait::italic, emphasized);
             if (mask & 2)
                 emphasized = MarkdownFont::applying(MarkdownFont::Trait::bold, emphasized);
-            MarkdownTextAttributes* a = &levels.emplace_front(handed);
+            MarkdownTextAttributes* a = &levels.emplace_back(handed);
             a->setFont(emphasized);
             MarkdownEditorFragment::add(into, node.contentRange, Role::body, *a, 0);
             markerPass(node, Role::emphasisMarker, theme.marker, env, into);
             pushChildren(node, a, frame.font);
         } else if (node.is<ik::Strikethrough>() || node.is<ik::Highlight>()) {
             const bool strike = node.is<ik::Strikethrough>();
-            MarkdownTextAttributes* a = &levels.emplace_front(handed);
+            MarkdownTextAttributes* a = &levels.emplace_back(handed);
             auto extension = env.registry ? env.registry->extension(strike ? QStringLiteral("strikethrough")
                                                                            : QStringLiteral("highlight"))
                                           : nullptr;
@@ -319,7 +319,7 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
             markerPass(node, Role::emphasisMarker, theme.marker, env, into);
             pushChildren(node, a, frame.font);
         } else if (const auto* span = node.as<ik::ExtensionSpan>()) {
-            MarkdownTextAttributes* a = &levels.emplace_front(handed);
+            MarkdownTextAttributes* a = &levels.emplace_back(handed);
             if (auto extension = env.registry ? env.registry->extension(span->name) : nullptr)
                 a->merge(env.extensionAttributes(*extension, font));
             MarkdownEditorFragment::add(into, node.contentRange, Role::directiveBody, *a, 0);
@@ -359,6 +359,7 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
         if (stack.size() == base)
             break;
     }
+    levels.resize(levelsBase);
 }
 
 void MarkdownInlineStyler::applyTextColors(const std::vector<MarkdownInline>& inlines, const Environment& env,

@@ -7,6 +7,7 @@
 #include "MarkdownEngine/Styling/MarkdownEditorFragment.h"
 
 #include <QTextCharFormat>
+#include <deque>
 #include <functional>
 #include <vector>
 
@@ -46,6 +47,9 @@ public:
             const MarkdownFontDescriptor* font;
         };
         mutable std::vector<WalkFrame> walk;
+        // The attribute sets of the levels being walked. A deque keeps each set in place while
+        // sets are added above it, and keeps its storage when emptied.
+        mutable std::deque<MarkdownTextAttributes> levels;
         mutable std::vector<const std::vector<MarkdownInline>*> siblingLists;
         [[nodiscard]] const MarkdownTextAttributes& extensionAttributes(const MarkdownExtension& extension,
                                                                         const MarkdownFontDescriptor& font) const;
