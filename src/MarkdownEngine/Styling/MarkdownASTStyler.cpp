@@ -182,9 +182,12 @@ void MarkdownASTStyler::inlinePass(const MarkdownBlock& block, const BlockContex
     if (block.inlines.empty())
         return;
     const MarkdownInlineStyler::Environment& env = context.inlines;
+    // Most blocks hold no HTML: their second walk, for coloured spans, is left out.
+    env.mayHoldColours = false;
     for (const MarkdownInline& node : block.inlines)
         MarkdownInlineStyler::visit(node, env.baseAttributes, env.baseFont, env, into);
-    MarkdownInlineStyler::applyTextColors(block.inlines, env, into);
+    if (env.mayHoldColours)
+        MarkdownInlineStyler::applyTextColors(block.inlines, env, into);
 }
 
 void MarkdownASTStyler::tagPass(const BlockContext& context, std::optional<MarkdownSourceRange> within,
