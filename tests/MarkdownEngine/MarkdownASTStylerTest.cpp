@@ -149,7 +149,7 @@ TEST(MarkdownASTStyler, MarkersHideOffTheActiveLineAndShowOnIt)
         EXPECT_TRUE(raw->result.activeLines.empty());
         const MarkdownStyledText rawText = raw->result.attributedString.resolved();
         ASSERT_EQ(rawText.runs().size(), 1u);
-        EXPECT_EQ(rawText.runs()[0].attributes.font.family, MarkdownFont::systemMonospaced());
+        EXPECT_EQ(rawText.runs()[0].attributes.font.family(), MarkdownFont::systemMonospaced());
     }
 }
 
@@ -211,8 +211,8 @@ TEST(MarkdownASTStyler, StyledTextCoversTheSourceExactly)
     EXPECT_EQ(marker->attributes.role, Role::emphasisMarker);
     // Inline looks inside a list item survive the item's own fragment.
     EXPECT_TRUE(styled.runAt(int(text.indexOf("b**")))->attributes.font.isBold());
-    EXPECT_FALSE(styled.runAt(int(text.indexOf("c`")))->attributes.font.family
-                 == styled.runAt(int(text.indexOf("a **")))->attributes.font.family);
+    EXPECT_FALSE(styled.runAt(int(text.indexOf("c`")))->attributes.font.family()
+                 == styled.runAt(int(text.indexOf("a **")))->attributes.font.family());
 }
 
 TEST(MarkdownASTStyler, ListGuttersShareTheWidestMarker)
@@ -424,7 +424,7 @@ TEST(MarkdownASTStyler, FencesTakeColouringAndTags)
     const MarkdownStyledText styled = result.attributedString.resolved();
     const auto* run = styled.runAt(int(text.indexOf("int")));
     EXPECT_EQ(run->attributes.foreground, QColor(Qt::red).rgba());
-    EXPECT_EQ(run->attributes.font.family, MarkdownFont::systemMonospaced());
+    EXPECT_EQ(run->attributes.font.family(), MarkdownFont::systemMonospaced());
     const auto tags = result.fragments.fragments(Role::tag);
     ASSERT_EQ(tags.size(), 1u);
     EXPECT_EQ(tags[0]->range.location, text.indexOf("#tag"));

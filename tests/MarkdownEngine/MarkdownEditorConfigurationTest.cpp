@@ -95,7 +95,7 @@ TEST(MarkdownEditorTheme, BuiltInsPatchesAndCalloutColours)
 TEST(MarkdownFont, WeightsTraitsAndFallbacks)
 {
     const MarkdownFontDescriptor serif = MarkdownFont::serif(15);
-    EXPECT_FALSE(serif.family.isEmpty());
+    EXPECT_FALSE(serif.family().isEmpty());
     EXPECT_EQ(MarkdownFont::named(QStringLiteral("No Such Family"), 15), serif);
     EXPECT_EQ(MarkdownFont::named(std::nullopt, 15), serif);
     EXPECT_TRUE(MarkdownFont::applying(QFont::DemiBold, serif).isBold());

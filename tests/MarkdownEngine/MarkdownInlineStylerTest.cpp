@@ -124,7 +124,7 @@ TEST(MarkdownInlineStyler, Links)
     EXPECT_TRUE(link->attributes.has(MarkdownTextAttributes::Underline));
     const auto* destination = find(on, Role::linkDestination, 3);
     ASSERT_TRUE(destination);
-    EXPECT_EQ(destination->attributes.font.family, MarkdownFont::systemMonospaced());
+    EXPECT_EQ(destination->attributes.font.family(), MarkdownFont::systemMonospaced());
     // "[t]()": incomplete, in its own colour, no underline.
     const auto* incomplete = find(on, Role::link, int(text.indexOf("t]")));
     ASSERT_TRUE(incomplete);
@@ -158,7 +158,7 @@ TEST(MarkdownInlineStyler, PicturesComeThroughTheServices)
     EXPECT_EQ(missing->attributes.foreground, MarkdownEditorConfiguration().theme.disabledText.rgba());
     EXPECT_FALSE(missing->attributes.has(MarkdownTextAttributes::Attachment));
     const auto* plain = find(with, Role::imageEmbed, int(text.indexOf("![alt")));
-    EXPECT_EQ(plain->attributes.font.family, MarkdownFont::systemMonospaced());
+    EXPECT_EQ(plain->attributes.font.family(), MarkdownFont::systemMonospaced());
 
     const int formula = int(text.indexOf("$a"));
     const auto* rendered = find(with, Role::latex, formula);
@@ -226,4 +226,40 @@ TEST(MarkdownInlineStyler, WebURLs)
         EXPECT_EQ(url, expected ? std::optional(QString::fromUtf16(*expected)) : std::nullopt)
             << QString::fromUtf16(destination).toStdString();
     }
+}
+
+// The full pass leaves out the walk for coloured spans where the block walk met no HTML; it
+// must find every span the walk finds, wherever the span sits.
+TEST(MarkdownInlineStyler, FullPassFindsEveryColouredSpan)
+{
+    const char16_t* const texts[] = {
+        u"a <span style=\"color: red\">x</span> b",
+        u"*a <span style=\"color: red\">x</span>* and ~~<span style=\"color: blue\">y</span>~~",
+        u"[a <span style=\"color: red\">x</span>](u) ==h <span style=\"color: red\">z</span>==",
+        u"![a <span style=\"color: red\">x</span>](i.png) `<span style=\"color: red\">c</span>`",
+        u"[[w]] and **<span style=\"color: red\">b</span>**\n\nplain **bold** text",
+    };
+    const auto colours = [](const std::vector<MarkdownEditorFragment>& fragments) {
+        std::vector<std::pair<int, int>> found; // location, priority
+        for (const MarkdownEditorFragment& f : fragments) {
+            if (f.priority == 7 || (f.role == Role::html && f.priority == 30))
+                found.emplace_back(f.range.location, f.priority);
+        }
+        std::sort(found.begin(), found.end());
+        return found;
+    };
+    size_t total = 0;
+    for (const char16_t* t : texts) {
+        const QString text = QString::fromUtf16(t);
+        const MarkdownDocument document = MarkdownDocument::parse(text);
+        MarkdownEditorConfiguration config;
+        MarkdownASTStyler::Request request;
+        request.document = &document;
+        request.config = &config;
+        const auto result = MarkdownASTStyler::style(request);
+        const auto expected = colours(inlineFragments(text));
+        EXPECT_EQ(colours(result.fragments.fragments()), expected) << text.toStdString();
+        total += expected.size();
+    }
+    EXPECT_GE(total, 18u); // each span: its text and its two tags
 }

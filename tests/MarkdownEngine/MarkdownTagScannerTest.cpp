@@ -62,6 +62,28 @@ TEST(MarkdownTagScanner, bodyTags)
     }
 }
 
+// Excluded stretches come in any order and may overlap or touch; a name stops where one starts.
+TEST(MarkdownTagScanner, bodyTagsSkipExcludedStretches)
+{
+    struct Excluded {
+        std::vector<MarkdownSourceRange> excluding;
+        const char16_t* expected;
+    };
+    const QString text = QStringLiteral("#a #bc #d #e-f");
+    const Excluded cases[] = {
+        {{}, u"a@0+2 bc@3+3 d@7+2 e-f@10+4"},
+        {{{7, 2}, {3, 1}}, u"a@0+2 e-f@10+4"},
+        {{{5, 1}}, u"a@0+2 b@3+2 d@7+2 e-f@10+4"},           // cut inside the name
+        {{{12, 5}, {0, 1}, {0, 0}}, u"bc@3+3 d@7+2 e@10+2"}, // an empty stretch counts for nothing
+        {{{1, 3}, {4, 2}, {2, 1}}, u"d@7+2 e-f@10+4"},       // overlapping and touching
+        {{{-4, 5}, {14, 3}}, u"bc@3+3 d@7+2 e-f@10+4"},      // reaching outside the text
+    };
+    for (const Excluded& c : cases) {
+        EXPECT_EQ(dump(MarkdownTagScanner::bodyTags(QStringView(text), c.excluding)), QString::fromUtf16(c.expected))
+            << c.excluding.size();
+    }
+}
+
 TEST(MarkdownTagScanner, frontMatterTags)
 {
     const Case cases[] = {

@@ -99,10 +99,12 @@ QString MarkdownFont::systemRounded()
     return systemFamily().isEmpty() ? QStringLiteral("SF Pro Text") : systemFamily();
 }
 
+// The system families' descriptors are made once: the styler asks for them by the thousand,
+// and making one looks its family's name up.
 MarkdownFontDescriptor MarkdownFont::system(double size, int weight)
 {
-    MarkdownFontDescriptor descriptor{systemFamily(), float(size)};
-    return applying(weight, descriptor);
+    static const MarkdownFontDescriptor family{systemFamily(), 12};
+    return applying(weight, withSize(family, size));
 }
 
 MarkdownFontDescriptor MarkdownFont::font(Design design, double size, int weight)
@@ -118,17 +120,20 @@ MarkdownFontDescriptor MarkdownFont::font(Design design, double size, int weight
 
 MarkdownFontDescriptor MarkdownFont::serif(double size, int weight)
 {
-    return applying(weight, MarkdownFontDescriptor{systemSerif(), float(size)});
+    static const MarkdownFontDescriptor family{systemSerif(), 12};
+    return applying(weight, withSize(family, size));
 }
 
 MarkdownFontDescriptor MarkdownFont::rounded(double size, int weight)
 {
-    return applying(weight, MarkdownFontDescriptor{systemRounded(), float(size)});
+    static const MarkdownFontDescriptor family{systemRounded(), 12};
+    return applying(weight, withSize(family, size));
 }
 
 MarkdownFontDescriptor MarkdownFont::monospaced(double size, int weight)
 {
-    return applying(weight, MarkdownFontDescriptor{systemMonospaced(), float(size)});
+    static const MarkdownFontDescriptor family{systemMonospaced(), 12};
+    return applying(weight, withSize(family, size));
 }
 
 MarkdownFontDescriptor MarkdownFont::named(const std::optional<QString>& name, double size, int weight)

@@ -3,12 +3,58 @@
 #include <QFontMetricsF>
 #include <QHash>
 #include <QMutex>
+#include <deque>
 
 namespace velmo::markdown {
 
+namespace {
+
+// The family names by number. A deque, so that a name handed out by reference stays where it
+// is while others are added; it only grows, by one entry for each name ever used, and the
+// names are few: the configured and system families, and what font directives name.
+struct FamilyNames {
+    QMutex mutex;
+    std::deque<QString> names{QString()};
+    QHash<QString, std::uint32_t> numbers{{QString(), 0}};
+};
+
+FamilyNames& familyNames()
+{
+    // Kept for the process: descriptors in static objects may outlive any other owner.
+    static auto* const table = new FamilyNames;
+    return *table;
+}
+
+}
+
+std::uint32_t MarkdownFontDescriptor::familyNumber(const QString& family)
+{
+    if (family.isEmpty())
+        return 0;
+    FamilyNames& table = familyNames();
+    QMutexLocker lock(&table.mutex);
+    const auto it = table.numbers.constFind(family);
+    if (it != table.numbers.constEnd())
+        return *it;
+    const auto number = std::uint32_t(table.names.size());
+    table.names.push_back(family);
+    table.numbers.insert(family, number);
+    return number;
+}
+
+const QString& MarkdownFontDescriptor::family() const
+{
+    static const QString none;
+    if (m_family == 0)
+        return none;
+    FamilyNames& table = familyNames();
+    QMutexLocker lock(&table.mutex);
+    return table.names[m_family];
+}
+
 QFont MarkdownFontDescriptor::toQFont() const
 {
-    QFont font(family);
+    QFont font(family());
     font.setPointSizeF(std::max(0.1f, pointSize));
     font.setWeight(QFont::Weight(weight));
     font.setItalic(italic);
@@ -20,7 +66,7 @@ namespace {
 // What a width depends on: the face and the text. Keys are compared, not formatted into
 // strings, since the styler asks for a width per list marker and table cell.
 struct FaceKey {
-    QString family;
+    std::uint32_t family;
     float pointSize;
     short weight;
     bool italic;
@@ -63,7 +109,7 @@ double MarkdownFontDescriptor::width(const QString& text) const
         }
     }
     const bool remembered = measured.size() <= longestRemembered;
-    WidthKey key{{family, pointSize, weight, italic}, remembered ? measured : QString()};
+    WidthKey key{{m_family, pointSize, weight, italic}, remembered ? measured : QString()};
     QMutexLocker lock(&mutex);
     if (remembered) {
         if (const auto it = widths->constFind(key); it != widths->constEnd())

@@ -8,7 +8,7 @@ namespace velmo::markdown {
 QString SyntaxHighlighter::fingerprint() const
 {
     const MarkdownFontDescriptor font = codeFont();
-    return typeName() + u'|' + font.family + u'|' + QString::number(font.pointSize) + u'|'
+    return typeName() + u'|' + font.family() + u'|' + QString::number(font.pointSize) + u'|'
         + QString::number(qHash(backgroundColor().rgba()));
 }
 

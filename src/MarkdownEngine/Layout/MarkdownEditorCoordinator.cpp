@@ -63,7 +63,7 @@ QString describe(const MarkdownStyledText::Run& run)
     if (a.has(MarkdownTextAttributes::Hidden) && a.hidden)
         out += QStringLiteral(" hidden");
     if (a.has(MarkdownTextAttributes::Font))
-        out += QStringLiteral(" %1@%2").arg(a.font.family).arg(a.font.pointSize);
+        out += QStringLiteral(" %1@%2").arg(a.font.family()).arg(a.font.pointSize);
     return out;
 }
 

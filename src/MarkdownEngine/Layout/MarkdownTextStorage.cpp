@@ -122,7 +122,7 @@ const MarkdownBlockStyle* MarkdownTextStorage::blockStyle(const QTextBlock& bloc
 
 QFont MarkdownTextStorage::font(const MarkdownFontDescriptor& descriptor)
 {
-    QFont font(descriptor.family);
+    QFont font(descriptor.family());
     font.setPointSizeF(std::max(0.05, descriptor.pointSize * pointScale()));
     font.setWeight(QFont::Weight(descriptor.weight));
     font.setItalic(descriptor.italic);
@@ -133,7 +133,7 @@ QTextCharFormat MarkdownTextStorage::charFormat(const MarkdownTextAttributes& a)
 {
     QTextCharFormat format;
     if (a.has(MarkdownTextAttributes::Font)) {
-        format.setFontFamilies({a.font.family});
+        format.setFontFamilies({a.font.family()});
         format.setFontPointSize(std::max(0.05, a.font.pointSize * pointScale()));
         format.setFontWeight(a.font.weight);
         format.setFontItalic(a.font.italic);
@@ -194,14 +194,13 @@ bool MarkdownTextStorage::FormatKey::operator==(const FormatKey& o) const
     return keys == o.keys && font.pointSize == o.font.pointSize && font.weight == o.font.weight
         && font.italic == o.font.italic && foreground == o.foreground && background == o.background
         && underlineColor == o.underlineColor && baselineOffset == o.baselineOffset && kern == o.kern
-        && hidden == o.hidden && font.family == o.font.family && link == o.link;
+        && hidden == o.hidden && font.familyKey() == o.font.familyKey() && link == o.link;
 }
 
 size_t MarkdownTextStorage::FormatKey::hash(size_t seed) const
 {
-    // The strings are left to the comparison: a note has few families, and links rarely share
-    // everything else.
-    return qHashMulti(seed, keys, font.family.size(), font.pointSize, font.weight, font.italic, foreground, background,
+    // The link is left to the comparison: links rarely share everything else.
+    return qHashMulti(seed, keys, font.familyKey(), font.pointSize, font.weight, font.italic, foreground, background,
                       underlineColor, baselineOffset, kern, link.size(), hidden);
 }
 

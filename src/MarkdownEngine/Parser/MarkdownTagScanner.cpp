@@ -174,32 +174,57 @@ bool MarkdownTagScanner::isBodyTagName(QStringView name)
 
 std::vector<MarkdownTag> MarkdownTagScanner::bodyTags(QStringView text, const std::vector<MarkdownSourceRange>& excluding)
 {
-    const int length = int(text.size());
-    std::vector<char> masked(size_t(length), 0);
-    for (const MarkdownSourceRange range : excluding) {
-        const MarkdownSourceRange clipped = range.intersection({0, length});
-        std::fill_n(masked.begin() + clipped.location, clipped.length, 1);
-    }
+    std::vector<MarkdownSourceRange> merged = excluding;
+    std::vector<MarkdownSourceRange> ranges;
+    bodyTagRanges(text, merged, ranges);
     std::vector<MarkdownTag> tags;
-    for (int i = 0; i < length;) {
-        if (text[i] != u'#' || masked[size_t(i)]) {
-            ++i;
+    tags.reserve(ranges.size());
+    for (const MarkdownSourceRange range : ranges)
+        tags.push_back({text.mid(range.location + 1, range.length - 1).toString(), range, MarkdownTag::Source::body});
+    return tags;
+}
+
+void MarkdownTagScanner::bodyTagRanges(QStringView text, std::vector<MarkdownSourceRange>& excluding,
+                                       std::vector<MarkdownSourceRange>& into)
+{
+    const int length = int(text.size());
+    // Sorted and merged, the excluded stretches are passed in one walk beside the scan.
+    for (MarkdownSourceRange& range : excluding)
+        range = range.intersection({0, length});
+    excluding.erase(std::remove_if(excluding.begin(), excluding.end(),
+                                   [](MarkdownSourceRange r) { return r.length <= 0; }),
+                    excluding.end());
+    std::sort(excluding.begin(), excluding.end(),
+              [](MarkdownSourceRange a, MarkdownSourceRange b) { return a.location < b.location; });
+    size_t merged = 0;
+    for (const MarkdownSourceRange range : excluding) {
+        if (merged > 0 && range.location <= excluding[merged - 1].upperBound())
+            excluding[merged - 1] = excluding[merged - 1].united(range);
+        else
+            excluding[merged++] = range;
+    }
+    excluding.resize(merged);
+
+    size_t next = 0; // the first excluded stretch that does not end before the scan
+    for (qsizetype at = text.indexOf(u'#'); at >= 0; at = text.indexOf(u'#', at)) {
+        const int hash = int(at);
+        while (next < excluding.size() && excluding[next].upperBound() <= hash)
+            ++next;
+        if (next < excluding.size() && excluding[next].location <= hash) {
+            at = excluding[next].upperBound();
             continue;
         }
-        int end = i + 1;
-        while (end < length && !masked[size_t(end)] && isTagCharacter(text[end].unicode()))
+        // A name stops where the next excluded stretch starts.
+        const int limit = next < excluding.size() ? excluding[next].location : length;
+        int end = hash + 1;
+        while (end < limit && isTagCharacter(text[end].unicode()))
             ++end;
-        while (end > i + 1 && (text[end - 1] == u'-' || text[end - 1] == u'/' || text[end - 1] == u'_'))
+        while (end > hash + 1 && (text[end - 1] == u'-' || text[end - 1] == u'/' || text[end - 1] == u'_'))
             --end;
-        const int hash = i;
-        i = std::max(end, i + 1);
-        if (!canOpenTag(hash, text))
-            continue;
-        const QStringView name = text.mid(hash + 1, end - hash - 1);
-        if (isBodyTagName(name))
-            tags.push_back({name.toString(), MarkdownSourceRange::fromBounds(hash, end), MarkdownTag::Source::body});
+        at = std::max(end, hash + 1);
+        if (canOpenTag(hash, text) && isBodyTagName(text.mid(hash + 1, end - hash - 1)))
+            into.push_back(MarkdownSourceRange::fromBounds(hash, end));
     }
-    return tags;
 }
 
 std::vector<MarkdownSourceRange> MarkdownTagScanner::exclusionRanges(const MarkdownDocument& document)

@@ -27,6 +27,10 @@ public:
     // The scan itself, skipping `excluding` (ranges may overlap and come in any order).
     [[nodiscard]] static std::vector<MarkdownTag> bodyTags(QStringView text,
                                                            const std::vector<MarkdownSourceRange>& excluding);
+    // The same scan giving only where the tags are, `#` included, appended to `into`: the styler
+    // runs it over every block and needs no names. `excluding` is sorted and merged in place.
+    static void bodyTagRanges(QStringView text, std::vector<MarkdownSourceRange>& excluding,
+                              std::vector<MarkdownSourceRange>& into);
     [[nodiscard]] static std::vector<MarkdownTag> frontMatterTags(const QString& text,
                                                                   const MarkdownParseOptions& options = {});
     [[nodiscard]] static std::vector<MarkdownTag> frontMatterTags(const MarkdownDocument& document);

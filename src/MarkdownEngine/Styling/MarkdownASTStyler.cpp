@@ -184,20 +184,16 @@ void MarkdownASTStyler::inlinePass(const MarkdownBlock& block, const BlockContex
         return;
     const MarkdownInlineStyler::Environment& env = context.inlines;
     env.list = &block.inlines;
+    // Most blocks hold no HTML: their second walk, for coloured spans, is left out.
+    env.mayHoldColours = false;
     for (const MarkdownInline& node : block.inlines)
         MarkdownInlineStyler::visit(node, env.baseAttributes, env.baseFont, env, into);
-    MarkdownInlineStyler::applyTextColors(block.inlines, env, into);
+    if (env.mayHoldColours)
+        MarkdownInlineStyler::applyTextColors(block.inlines, env, into);
 }
 
 void MarkdownASTStyler::tagPass(const BlockContext& context, std::optional<MarkdownSourceRange> within,
-                                const std::vector<MarkdownEditorFragment>& fragments,
-                                std::vector<MarkdownEditorFragment>& into)
-{
-    tagPass(context, within, {&fragments}, into);
-}
-
-void MarkdownASTStyler::tagPass(const BlockContext& context, std::optional<MarkdownSourceRange> within,
-                                std::initializer_list<const std::vector<MarkdownEditorFragment>*> fragments,
+                                std::span<const MarkdownEditorFragment> fragments,
                                 std::vector<MarkdownEditorFragment>& into)
 {
     const QString& text = *context.text;
@@ -212,42 +208,26 @@ void MarkdownASTStyler::tagPass(const BlockContext& context, std::optional<Markd
     const qsizetype lineStart = text.lastIndexOf(u'\n', asked.location + hashAt) + 1;
     const MarkdownSourceRange scope =
         MarkdownSourceRange::fromBounds(std::max(asked.location, int(lineStart)), asked.upperBound());
-    std::vector<MarkdownSourceRange> excluding;
-    for (const std::vector<MarkdownEditorFragment>* list : fragments) {
-        for (const MarkdownEditorFragment& f : *list) {
-            if (!excludesTags(f.role))
-                continue;
-            const MarkdownSourceRange clipped = f.range.intersection(scope);
-            if (clipped.length > 0)
-                excluding.push_back({clipped.location - scope.location, clipped.length});
-        }
+    std::vector<MarkdownSourceRange> excluding, tags;
+    for (const MarkdownEditorFragment& f : fragments) {
+        if (!excludesTags(f.role))
+            continue;
+        const MarkdownSourceRange clipped = f.range.intersection(scope);
+        if (clipped.length > 0)
+            excluding.push_back({clipped.location - scope.location, clipped.length});
     }
-    const QStringView view = QStringView(text).mid(scope.location, scope.length);
-    for (const MarkdownTag& tag : MarkdownTagScanner::bodyTags(view, excluding)) {
-        MarkdownEditorFragment f;
-        f.range = {tag.range.location + scope.location, tag.range.length};
-        f.role = Role::tag;
-        f.attributes.setForeground(context.request->config->theme.tag);
-        f.attributes.setRole(Role::tag);
-        f.priority = 6;
-        into.push_back(std::move(f));
-    }
+    MarkdownTagScanner::bodyTagRanges(QStringView(text).mid(scope.location, scope.length), excluding, tags);
+    if (tags.empty())
+        return;
+    MarkdownTextAttributes a;
+    a.setForeground(context.request->config->theme.tag);
+    a.setRole(Role::tag);
+    for (const MarkdownSourceRange& tag : tags)
+        MarkdownEditorFragment::add(into, {tag.location + scope.location, tag.length}, Role::tag, a, 6);
 }
 
-MarkdownEditorFragment& MarkdownASTStyler::Tile::at(const MarkdownEditorFragmentStore::OrderKey& key)
-{
-    const int inlinesAt = int(own.size()), tagsAt = inlinesAt + int(inlines.size());
-    return key.index < inlinesAt ? own[size_t(key.index)]
-        : key.index < tagsAt     ? inlines[size_t(key.index - inlinesAt)]
-                                 : tags[size_t(key.index - tagsAt)];
-}
-
-bool MarkdownASTStyler::Tile::follows(const MarkdownEditorFragment* last) const
-{
-    return !last || keys.empty() || MarkdownEditorFragmentStore::OrderKey::of(*last).precedes(keys.front());
-}
-
-void MarkdownASTStyler::styleTile(const BlockContext& context, size_t b, Tile& tile)
+void MarkdownASTStyler::styleTile(const BlockContext& context, size_t b, Tile& tile,
+                                  std::vector<MarkdownEditorFragment>& into)
 {
     // The store orders by location, then priority, then the order of the whole pass: every
     // block step, then every inline step, then the tags. Blocks are in source order and their
@@ -256,42 +236,66 @@ void MarkdownASTStyler::styleTile(const BlockContext& context, size_t b, Tile& t
     const std::vector<MarkdownBlock>& blocks = context.request->document->blocks;
     const int textLength = int(context.text->size());
     using Key = MarkdownEditorFragmentStore::OrderKey;
-    tile.own.clear();
-    tile.inlines.clear();
-    tile.tags.clear();
-    if (!blocks.empty()) {
-        style(blocks[b], context, tile.own);
-        inlinePass(blocks[b], context, tile.inlines);
-    }
+    const size_t start = into.size();
+    if (!blocks.empty())
+        style(blocks[b], context, into);
+    const size_t inlinesAt = into.size();
+    if (!blocks.empty())
+        inlinePass(blocks[b], context, into);
+    const size_t tagsAt = into.size();
     // The tags of the text from this block's start (the note's for the first) to the next's.
     const int tileStart = b == 0 ? 0 : blocks[b].range.location;
     const int tileEnd = b + 1 < blocks.size() ? blocks[b + 1].range.location : textLength;
     tagPass(context, MarkdownSourceRange::fromBounds(tileStart, std::max(tileStart, tileEnd)),
-            {&tile.own, &tile.inlines}, tile.tags);
+            std::span(into).subspan(start, tagsAt - start), into);
 
     // Each list is nearly in order on its own (the inline walk puts a node before its
     // markers), while the block's own fragments, its inlines and its tags interleave:
     // three small sorts and two merges, rather than one sort of everything.
-    // The index is the fragment's place in the block's lists: its own, its inlines, its tags.
-    int order = 0;
+    // The index is the fragment's place in the tile: its own, its inlines, its tags.
+    const size_t bounds[4] = {start, inlinesAt, tagsAt, into.size()};
     for (size_t l = 0; l < 3; ++l) {
         std::vector<Key>& sorted = tile.lists[l];
         sorted.clear();
-        for (const MarkdownEditorFragment& f : l == 0 ? tile.own : l == 1 ? tile.inlines : tile.tags)
-            sorted.push_back({f.range.location, f.priority, order++});
+        for (size_t i = bounds[l]; i < bounds[l + 1]; ++i)
+            sorted.push_back({into[i].range.location, into[i].priority, int(i - start)});
         sortKeys(sorted);
     }
     // Merged into sized buffers: a back inserter's checks cost more than the merge.
     tile.merged.resize(tile.lists[0].size() + tile.lists[1].size());
     std::merge(tile.lists[0].begin(), tile.lists[0].end(), tile.lists[1].begin(), tile.lists[1].end(),
                tile.merged.begin());
-    if (tile.lists[2].empty()) {
-        std::swap(tile.keys, tile.merged);
-        return;
+    std::vector<Key>* keys = &tile.merged;
+    if (!tile.lists[2].empty()) {
+        tile.keys.resize(tile.merged.size() + tile.lists[2].size());
+        std::merge(tile.merged.begin(), tile.merged.end(), tile.lists[2].begin(), tile.lists[2].end(),
+                   tile.keys.begin());
+        keys = &tile.keys;
     }
-    tile.keys.resize(tile.merged.size() + tile.lists[2].size());
-    std::merge(tile.merged.begin(), tile.merged.end(), tile.lists[2].begin(), tile.lists[2].end(),
-               tile.keys.begin());
+
+    // Each fragment to its place by following the cycles of the order: one move each, and
+    // none for those already in place. A key whose index is its own place is done.
+    MarkdownEditorFragment* const v = into.data() + start;
+    std::vector<Key>& order = *keys;
+    for (size_t k = 0; k < order.size(); ++k) {
+        if (size_t(order[k].index) == k)
+            continue;
+        MarkdownEditorFragment held = std::move(v[k]);
+        size_t j = k;
+        for (size_t from = size_t(order[j].index); from != k; from = size_t(order[j].index)) {
+            v[j] = std::move(v[from]);
+            order[j].index = int(j);
+            j = from;
+        }
+        v[j] = std::move(held);
+        order[j].index = int(j);
+    }
+}
+
+bool MarkdownASTStyler::followsPrevious(const std::vector<MarkdownEditorFragment>& fragments, size_t at)
+{
+    using Key = MarkdownEditorFragmentStore::OrderKey;
+    return at == 0 || at >= fragments.size() || Key::of(fragments[at - 1]).precedes(Key::of(fragments[at]));
 }
 
 bool MarkdownASTStyler::styleInStoreOrder(const BlockContext& context, MarkdownEditorFragmentStore::Builder& into)
@@ -299,13 +303,13 @@ bool MarkdownASTStyler::styleInStoreOrder(const BlockContext& context, MarkdownE
     // Tiles are appended one after another; the note is then in store order as long as no
     // tile's first fragment ties with or precedes its predecessor's last.
     const size_t tiles = std::max<size_t>(context.request->document->blocks.size(), 1);
+    std::vector<MarkdownEditorFragment>& fragments = into.tail();
     Tile tile;
     for (size_t b = 0; b < tiles; ++b) {
-        styleTile(context, b, tile);
-        if (!tile.follows(into.back()))
+        const size_t start = fragments.size();
+        styleTile(context, b, tile, fragments);
+        if (!followsPrevious(fragments, start))
             return false;
-        for (const MarkdownEditorFragmentStore::OrderKey& key : tile.keys)
-            into.append(std::move(tile.at(key)));
         into.endTile();
     }
     return true;

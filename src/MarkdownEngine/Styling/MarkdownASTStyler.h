@@ -14,8 +14,8 @@
 
 #include <QHash>
 #include <functional>
-#include <initializer_list>
 #include <optional>
+#include <span>
 #include <vector>
 
 namespace velmo::markdown {
@@ -120,33 +120,30 @@ public:
     // "mermaid" and its kin name a diagram kind; absent for other languages.
     [[nodiscard]] static std::optional<QString> diagramKind(const std::optional<QString>& language);
 
-    // The block step, and the tag pass over `within` (the whole text when absent).
+    // The block step, and the tag pass over `within` (the whole text when absent). `fragments`,
+    // those that keep tags out, may lie in `into`: they are read before anything is added.
     static void style(const MarkdownBlock& block, const BlockContext& context, std::vector<MarkdownEditorFragment>& into);
     static void tagPass(const BlockContext& context, std::optional<MarkdownSourceRange> within,
-                        const std::vector<MarkdownEditorFragment>& fragments, std::vector<MarkdownEditorFragment>& into);
+                        std::span<const MarkdownEditorFragment> fragments, std::vector<MarkdownEditorFragment>& into);
 
 private:
-    // One block's fragments with the tags of the text up to the next block: its tile of the
-    // store. The lists are reused from tile to tile.
+    // The scratch of ordering one block's tile (its fragments with the tags of the text up to
+    // the next block), reused from tile to tile.
     struct Tile {
-        std::vector<MarkdownEditorFragment> own, inlines, tags;
         std::vector<MarkdownEditorFragmentStore::OrderKey> lists[3], merged;
         std::vector<MarkdownEditorFragmentStore::OrderKey> keys; // the fragments in store order
-
-        MarkdownEditorFragment& at(const MarkdownEditorFragmentStore::OrderKey& key);
-        // Whether the tile may come after `last` (null: nothing before it) in the store.
-        [[nodiscard]] bool follows(const MarkdownEditorFragment* last) const;
     };
-    static void styleTile(const BlockContext& context, size_t b, Tile& tile);
+    // Appends block b's tile to `into`, in store order: made where it stays, so that no
+    // fragment is moved to another list on its way into the store.
+    static void styleTile(const BlockContext& context, size_t b, Tile& tile, std::vector<MarkdownEditorFragment>& into);
+    // Whether the fragment at `at` in `fragments` may follow the one before it in the store.
+    [[nodiscard]] static bool followsPrevious(const std::vector<MarkdownEditorFragment>& fragments, size_t at);
     [[nodiscard]] static std::vector<MarkdownSourceRange> selectionRecord(const Request& request,
                                                                           const std::vector<MarkdownSourceRange>& activeLines);
     [[nodiscard]] static MarkdownStyledNote styledNote(const Request& request, const MarkdownEditorFragmentStore& fragments);
     // The first block whose end lies beyond `location`.
     [[nodiscard]] static size_t firstBlockEndingAfter(const std::vector<MarkdownBlock>& blocks, int location);
     [[nodiscard]] static DirectiveRegistry directiveRegistry(const MarkdownEditorConfiguration& config);
-    static void tagPass(const BlockContext& context, std::optional<MarkdownSourceRange> within,
-                        std::initializer_list<const std::vector<MarkdownEditorFragment>*> fragments,
-                        std::vector<MarkdownEditorFragment>& into);
     // Every block's fragments and the tags, appended to `into` in the store's order; false
     // (with `into` part filled) when the blocks' fragments do not follow one another.
     static bool styleInStoreOrder(const BlockContext& context, MarkdownEditorFragmentStore::Builder& into);

@@ -60,7 +60,7 @@ DirectiveArguments openerArguments(const MarkdownBlock& block, const QString& te
 MarkdownFontDescriptor fromQFont(const QFont& font)
 {
     MarkdownFontDescriptor descriptor;
-    descriptor.family = font.families().isEmpty() ? font.family() : font.families().first();
+    descriptor.setFamily(font.families().isEmpty() ? font.family() : font.families().first());
     descriptor.pointSize = float(font.pointSizeF() > 0 ? font.pointSizeF() : 12.0);
     descriptor.weight = short(font.weight());
     descriptor.italic = font.italic();

@@ -140,13 +140,12 @@ MarkdownASTStyler::Result MarkdownASTStyler::restyle(const Request& request, Mar
             piece.isNew = true;
             styled += end - i;
             for (size_t b = i; b < end; ++b) {
-                styleTile(context, b, tile);
-                const MarkdownEditorFragment* last = piece.fragments.empty() ? nullptr : &piece.fragments.back();
-                if (!tile.keys.empty() && !(last ? tile.follows(last) : follows(tile.at(tile.keys.front()), 0)))
+                const size_t start = piece.fragments.size();
+                styleTile(context, b, tile, piece.fragments);
+                if (start < piece.fragments.size()
+                    && !(start > 0 ? followsPrevious(piece.fragments, start) : follows(piece.fragments[start], 0)))
                     return style(request);
-                for (const MarkdownEditorFragmentStore::OrderKey& key : tile.keys)
-                    piece.fragments.push_back(std::move(tile.at(key)));
-                piece.tileSizes.push_back(int(tile.keys.size()));
+                piece.tileSizes.push_back(int(piece.fragments.size() - start));
             }
             if (!piece.fragments.empty())
                 lastSoFar = Key::of(piece.fragments.back());

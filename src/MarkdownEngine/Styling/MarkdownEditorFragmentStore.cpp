@@ -219,17 +219,25 @@ MarkdownEditorFragmentStore::Builder::Builder(size_t expected)
 
 void MarkdownEditorFragmentStore::Builder::append(MarkdownEditorFragment&& fragment)
 {
-    std::vector<MarkdownEditorFragment>& fragments = m_data->fragments;
-    if (m_inOrder && !fragments.empty() && OrderKey::of(fragment).precedes(OrderKey::of(fragments.back())))
-        m_inOrder = false;
-    // Listed while still at hand, before it moves.
-    if (m_inOrder)
-        m_data->list(fragment, int(fragments.size()));
-    fragments.push_back(std::move(fragment));
+    m_data->fragments.push_back(std::move(fragment));
+    takeIn();
+}
+
+void MarkdownEditorFragmentStore::Builder::takeIn()
+{
+    const std::vector<MarkdownEditorFragment>& fragments = m_data->fragments;
+    for (; m_taken < fragments.size(); ++m_taken) {
+        const MarkdownEditorFragment& f = fragments[m_taken];
+        if (m_inOrder && m_taken > 0 && OrderKey::of(f).precedes(OrderKey::of(fragments[m_taken - 1])))
+            m_inOrder = false;
+        if (m_inOrder)
+            m_data->list(f, int(m_taken));
+    }
 }
 
 void MarkdownEditorFragmentStore::Builder::endTile()
 {
+    takeIn();
     m_data->tileEnds.push_back(int(m_data->fragments.size()));
 }
 
@@ -238,13 +246,9 @@ void MarkdownEditorFragmentStore::Builder::setSelection(std::vector<MarkdownSour
     m_data->selection = std::move(ranges);
 }
 
-const MarkdownEditorFragment* MarkdownEditorFragmentStore::Builder::back() const
-{
-    return m_data->fragments.empty() ? nullptr : &m_data->fragments.back();
-}
-
 MarkdownEditorFragmentStore MarkdownEditorFragmentStore::Builder::finish() &&
 {
+    takeIn();
     if (!m_inOrder)
         return MarkdownEditorFragmentStore(std::move(m_data->fragments));
     MarkdownEditorFragmentStore store;

@@ -19,22 +19,28 @@ public:
     MarkdownEditorFragmentStore() = default;
     explicit MarkdownEditorFragmentStore(std::vector<MarkdownEditorFragment> fragments);
 
-    // Takes fragments one at a time and makes the lists while each is at hand. Fragments
-    // given in store order stay where they are put; any others are sorted at the end.
+    // Takes fragments one at a time, or a tile at a time appended in place, and makes the lists
+    // as they come in. Fragments given in store order stay where they are put; any others are
+    // sorted at the end.
     class Builder {
     public:
         explicit Builder(size_t expected = 0);
         void append(MarkdownEditorFragment&& fragment);
+        // The fragments so far, to append a tile to where it will stay; endTile takes it in.
+        [[nodiscard]] std::vector<MarkdownEditorFragment>& tail() { return m_data->fragments; }
         // Closes the run of fragments of one block (its tile): a store made tile by tile can
         // be spliced after an edit.
         void endTile();
         // The active lines and selections the fragments were made for.
         void setSelection(std::vector<MarkdownSourceRange> ranges);
-        [[nodiscard]] const MarkdownEditorFragment* back() const;
         [[nodiscard]] MarkdownEditorFragmentStore finish() &&;
 
     private:
+        // Checks the order of the fragments added since the last call and lists them.
+        void takeIn();
+
         std::shared_ptr<Data> m_data;
+        size_t m_taken = 0;
         bool m_inOrder = true;
     };
 

@@ -9,7 +9,7 @@ namespace velmo::markdown {
 
 QString MarkdownFragmentDump::font(const MarkdownFontDescriptor& f)
 {
-    QString s = f.family + u'@' + QString::number(f.pointSize, 'f', 1);
+    QString s = f.family() + u'@' + QString::number(f.pointSize, 'f', 1);
     if (f.isBold())
         s += QStringLiteral(" bold");
     if (f.italic)
@@ -82,7 +82,7 @@ void MarkdownFragmentDump::addAttributes(QJsonObject& o, const MarkdownTextAttri
 {
     using A = MarkdownTextAttributes;
     if (a.has(A::Font)) {
-        o.insert(QStringLiteral("font"), QJsonObject{{QStringLiteral("family"), a.font.family},
+        o.insert(QStringLiteral("font"), QJsonObject{{QStringLiteral("family"), a.font.family()},
                                                      {QStringLiteral("size"), double(a.font.pointSize)},
                                                      {QStringLiteral("bold"), a.font.isBold()},
                                                      {QStringLiteral("italic"), a.font.italic},

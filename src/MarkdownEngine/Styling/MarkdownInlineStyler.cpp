@@ -8,7 +8,6 @@
 #include <QMutex>
 #include <QRegularExpression>
 #include <QUrl>
-#include <forward_list>
 
 namespace velmo::markdown {
 
@@ -185,7 +184,7 @@ MarkdownTextAttributes MarkdownInlineStyler::attributes(const QTextCharFormat& f
         if (format.hasProperty(QTextFormat::FontFamilies)) {
             const QStringList families = format.fontFamilies().toStringList();
             if (!families.isEmpty())
-                f.family = families.first();
+                f.setFamily(families.first());
         }
         a.setFont(f);
     }
@@ -260,14 +259,13 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
     const MarkdownEditorTheme& theme = config.theme;
     // Each frame hands its attributes and font down to the children it pushes. Attribute sets
     // are shared by the siblings of a level, so a deep chain costs one set per level.
-    // The list keeps each level's set in place while its subtree is walked.
-    // Most nodes are plain text without children: the list does not allocate for them.
-    std::forward_list<MarkdownTextAttributes> levels;
-    // A walk nested in this one (a link's children) works above this one's frames and leaves
-    // the stack as it found it.
+    // A walk nested in this one (a link's children) works above this one's frames and sets
+    // and leaves both as it found them.
     using Frame = Environment::WalkFrame;
     std::vector<Frame>& stack = env.walk;
     const size_t base = stack.size();
+    std::deque<MarkdownTextAttributes>& levels = env.levels;
+    const size_t levelsBase = levels.size();
     auto pushChildren = [&stack](const MarkdownInline& node, const MarkdownTextAttributes* a, const MarkdownFontDescriptor* font) {
         const std::span<const MarkdownInline> children = node.children();
         for (auto child = children.rbegin(); child != children.rend(); ++child)
@@ -278,6 +276,10 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
         const MarkdownInline& node = *frame.node;
         const MarkdownTextAttributes& handed = *frame.attributes;
         const MarkdownFontDescriptor& font = *frame.font;
+        if (node.is<ik::Html>()
+            || (node.hasChildren() && !node.is<ik::Emphasis>() && !node.is<ik::Strikethrough>()
+                && !node.is<ik::Highlight>() && !node.is<ik::ExtensionSpan>() && !node.is<ik::Link>()))
+            env.mayHoldColours = true;
 
         if (node.is<ik::Text>()) {
             MarkdownEditorFragment::add(into, node.range, Role::body, handed, 0);
@@ -302,14 +304,14 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
                 emphasized = MarkdownFont::applying(MarkdownFont::Trait::italic, emphasized);
             if (mask & 2)
                 emphasized = MarkdownFont::applying(MarkdownFont::Trait::bold, emphasized);
-            MarkdownTextAttributes* a = &levels.emplace_front(handed);
+            MarkdownTextAttributes* a = &levels.emplace_back(handed);
             a->setFont(emphasized);
             MarkdownEditorFragment::add(into, node.contentRange, Role::body, *a, 0);
             markerPass(node, Role::emphasisMarker, theme.marker, env, into);
             pushChildren(node, a, frame.font);
         } else if (node.is<ik::Strikethrough>() || node.is<ik::Highlight>()) {
             const bool strike = node.is<ik::Strikethrough>();
-            MarkdownTextAttributes* a = &levels.emplace_front(handed);
+            MarkdownTextAttributes* a = &levels.emplace_back(handed);
             auto extension = env.registry ? env.registry->extension(strike ? QStringLiteral("strikethrough")
                                                                            : QStringLiteral("highlight"))
                                           : nullptr;
@@ -323,7 +325,7 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
             markerPass(node, Role::emphasisMarker, theme.marker, env, into);
             pushChildren(node, a, frame.font);
         } else if (const auto* span = node.as<ik::ExtensionSpan>()) {
-            MarkdownTextAttributes* a = &levels.emplace_front(handed);
+            MarkdownTextAttributes* a = &levels.emplace_back(handed);
             if (auto extension = env.registry ? env.registry->extension(env.payload(span->name).toString()) : nullptr)
                 a->merge(env.extensionAttributes(*extension, font));
             MarkdownEditorFragment::add(into, node.contentRange, Role::directiveBody, *a, 0);
@@ -363,6 +365,7 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
         if (stack.size() == base)
             break;
     }
+    levels.resize(levelsBase);
 }
 
 void MarkdownInlineStyler::applyTextColors(const MarkdownInlineList& inlines, const Environment& env,

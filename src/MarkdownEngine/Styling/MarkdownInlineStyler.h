@@ -7,6 +7,7 @@
 #include "MarkdownEngine/Styling/MarkdownEditorFragment.h"
 
 #include <QTextCharFormat>
+#include <deque>
 #include <functional>
 #include <vector>
 
@@ -50,7 +51,13 @@ public:
             const MarkdownFontDescriptor* font;
         };
         mutable std::vector<WalkFrame> walk;
+        // The attribute sets of the levels being walked. A deque keeps each set in place while
+        // sets are added above it, and keeps its storage when emptied.
+        mutable std::deque<MarkdownTextAttributes> levels;
         mutable std::vector<std::span<const MarkdownInline>> siblingLists;
+        // Set by `visit` on meeting HTML, or children it does not walk: only then can
+        // `applyTextColors` find anything in what was visited.
+        mutable bool mayHoldColours = false;
         [[nodiscard]] const MarkdownTextAttributes& extensionAttributes(const MarkdownExtension& extension,
                                                                         const MarkdownFontDescriptor& font) const;
     };
