@@ -8,6 +8,7 @@
 #include <QMutex>
 #include <QRegularExpression>
 #include <QUrl>
+#include <unordered_map>
 
 namespace velmo::markdown {
 
@@ -215,16 +216,25 @@ std::optional<QString> MarkdownInlineStyler::webURL(QStringView view)
         return QStringLiteral("https://") + view.toString();
     if (!scheme && !view.contains(u'@'))
         return std::nullopt;
-    const QString destination = view.toString();
     // Reading a URL costs microseconds, and a note links to the same places again and again.
+    // Looked up by view, so that a known destination is not copied to be found.
+    struct ViewHash {
+        using is_transparent = void;
+        size_t operator()(QStringView view) const { return qHash(view); }
+    };
+    struct ViewEqual {
+        using is_transparent = void;
+        bool operator()(QStringView a, QStringView b) const { return a == b; }
+    };
     static QMutex mutex;
-    static auto* const known = new QHash<QString, std::optional<QString>>();
-    constexpr qsizetype destinationsKept = 4096;
+    static auto* const known = new std::unordered_map<QString, std::optional<QString>, ViewHash, ViewEqual>();
+    constexpr size_t destinationsKept = 4096;
     {
         QMutexLocker lock(&mutex);
-        if (const auto it = known->constFind(destination); it != known->constEnd())
-            return *it;
+        if (const auto it = known->find(view); it != known->end())
+            return it->second;
     }
+    const QString destination = view.toString();
     std::optional<QString> url;
     static const QRegularExpression mail(QStringLiteral("^[^@/:\\s]+@[^@/:\\s]+\\.[^@/:\\s]+$"));
     if (scheme) {
@@ -237,7 +247,7 @@ std::optional<QString> MarkdownInlineStyler::webURL(QStringView view)
     QMutexLocker lock(&mutex);
     if (known->size() >= destinationsKept)
         known->clear();
-    known->insert(destination, url);
+    known->emplace(destination, url);
     return url;
 }
 
