@@ -8,7 +8,6 @@
 #include <optional>
 #include <span>
 #include <variant>
-#include <vector>
 
 namespace velmo::markdown {
 

@@ -11,10 +11,10 @@
 
 namespace velmo::markdown {
 
-// The marker ranges of a block or an inline: a short list, kept in the node. Most inlines
-// have two or three markers (an image has four, a quoted block one per `>`), so three live
-// inline and more go to the heap. 40 bytes against QVarLengthArray's 56: every tree node
-// carries one, and the bytes of the nodes are what a large note's parse spends its time on.
+// The marker ranges of a block: a short list, kept in the block. Most blocks have one to three
+// (a quoted block one per `>`, a table one per pipe), so three live in place and more go to the
+// heap. 40 bytes against QVarLengthArray's 56: every block carries one. Inlines, which never
+// have more than four, use the fixed `MarkdownInlineMarkers`.
 class MarkdownMarkerRanges {
 public:
     using value_type = MarkdownSourceRange;
