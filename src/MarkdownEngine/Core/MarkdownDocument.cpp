@@ -21,10 +21,7 @@ MarkdownDocument MarkdownDocument::reparse(MarkdownDocument&& old, const QString
 std::vector<const MarkdownInline*> MarkdownDocument::inlines() const
 {
     std::vector<const MarkdownInline*> all;
-    forEachBlock([&all](const MarkdownBlock& block) {
-        for (const MarkdownInline& node : block.inlines)
-            node.forEach([&all](const MarkdownInline& each) { all.push_back(&each); });
-    });
+    forEachInline([&all](const MarkdownInlineList&, const MarkdownInline& node) { all.push_back(&node); });
     // Depth-first order is already by location for a partition; the sort is a safety net.
     const auto byLocation = [](const MarkdownInline* a, const MarkdownInline* b) {
         return a->range.location < b->range.location;

@@ -4,6 +4,7 @@
 
 #include <QString>
 #include <QStringView>
+#include <algorithm>
 #include <memory>
 #include <span>
 #include <type_traits>
@@ -38,6 +39,12 @@ public:
     const MarkdownInline& front() const { return top().front(); }
     const MarkdownInline& back() const { return top().back(); }
 
+    // Whether any node of any tree is of this kind.
+    template<typename Kind>
+    [[nodiscard]] bool contains() const
+    {
+        return std::any_of(m_nodes.begin(), m_nodes.end(), [](const MarkdownInline& node) { return node.is<Kind>(); });
+    }
     // A payload's text, given the note the list was parsed from.
     [[nodiscard]] QStringView text(QStringView note, MarkdownInlineText payload) const;
     [[nodiscard]] QString string(QStringView note, MarkdownInlineText payload) const

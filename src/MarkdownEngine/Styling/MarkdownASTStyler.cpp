@@ -184,11 +184,10 @@ void MarkdownASTStyler::inlinePass(const MarkdownBlock& block, const BlockContex
         return;
     const MarkdownInlineStyler::Environment& env = context.inlines;
     env.list = &block.inlines;
-    // Most blocks hold no HTML: their second walk, for coloured spans, is left out.
-    env.mayHoldColours = false;
     for (const MarkdownInline& node : block.inlines)
         MarkdownInlineStyler::visit(node, env.baseAttributes, env.baseFont, env, into);
-    if (env.mayHoldColours)
+    // Coloured spans are HTML tags: most blocks hold none, and are spared the second walk.
+    if (block.inlines.contains<inline_kind::Html>())
         MarkdownInlineStyler::applyTextColors(block.inlines, env, into);
 }
 

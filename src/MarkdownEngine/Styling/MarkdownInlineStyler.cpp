@@ -286,11 +286,6 @@ void MarkdownInlineStyler::visit(const MarkdownInline& root, const MarkdownTextA
         const MarkdownInline& node = *frame.node;
         const MarkdownTextAttributes& handed = *frame.attributes;
         const MarkdownFontDescriptor& font = *frame.font;
-        if (node.is<ik::Html>()
-            || (node.hasChildren() && !node.is<ik::Emphasis>() && !node.is<ik::Strikethrough>()
-                && !node.is<ik::Highlight>() && !node.is<ik::ExtensionSpan>() && !node.is<ik::Link>()))
-            env.mayHoldColours = true;
-
         if (node.is<ik::Text>()) {
             MarkdownEditorFragment::add(into, node.range, Role::body, handed, 0);
         } else if (node.is<ik::Escape>()) {

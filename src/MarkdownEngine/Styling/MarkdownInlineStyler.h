@@ -55,9 +55,6 @@ public:
         // sets are added above it, and keeps its storage when emptied.
         mutable std::deque<MarkdownTextAttributes> levels;
         mutable std::vector<std::span<const MarkdownInline>> siblingLists;
-        // Set by `visit` on meeting HTML, or children it does not walk: only then can
-        // `applyTextColors` find anything in what was visited.
-        mutable bool mayHoldColours = false;
         [[nodiscard]] const MarkdownTextAttributes& extensionAttributes(const MarkdownExtension& extension,
                                                                         const MarkdownFontDescriptor& font) const;
     };
